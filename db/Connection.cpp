@@ -1,0 +1,105 @@
+#include "db/Connection.h"
+
+#include "db/CaseInsensitive.h"
+#include "db/ConnectionString.h"
+#include "db/OdbcEngine.h"
+#include "db/Paths.h"
+#include "db/SqliteEngine.h"
+
+#include <string_view>
+#include <utility>
+
+namespace quillet::db {
+
+namespace {
+
+constexpr std::string_view AccessDriver = "Microsoft Access Driver (*.mdb)";
+
+std::unique_ptr<Engine> openEngine(const std::string& text) {
+    const ConnectionString connectionString(text);
+    const std::string driver = connectionString.value("Driver");
+    if (equalIgnoringCase(driver, AccessDriver) && !OdbcEngine::knowsDriver(driver)) {
+        const auto folder = pathOf(connectionString.value("DefaultDir"));
+        return std::make_unique<SqliteEngine>(folder / pathOf(connectionString.value("Dbq")));
+    }
+    return std::make_unique<OdbcEngine>(connectionString.without("PROVIDER"));
+}
+
+Engine& require(const std::unique_ptr<Engine>& engine) {
+    if (!engine)
+        throw Error(number::ConnectionClosed,
+                    "The connection cannot be used to perform this operation. It is either closed "
+                    "or invalid in this context.");
+    return *engine;
+}
+
+/// Leaves the errors met while fetching in the connection's collection, too.
+class RecordingCursor final : public Cursor {
+public:
+    RecordingCursor(std::unique_ptr<Cursor> cursor, std::vector<ErrorRecord>& errors)
+        : cursor_(std::move(cursor)), errors_(errors) {}
+
+    const FieldList& fields() const override { return cursor_->fields(); }
+    Value value(std::size_t column) const override { return cursor_->value(column); }
+
+    bool next() override {
+        try {
+            return cursor_->next();
+        } catch (const Error& error) {
+            if (!error.providerRecords().empty())
+                errors_ = error.providerRecords();
+            throw;
+        }
+    }
+
+private:
+    std::unique_ptr<Cursor> cursor_;
+    std::vector<ErrorRecord>& errors_;
+};
+
+} // namespace
+
+Connection::Connection() = default;
+Connection::~Connection() = default;
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&&) noexcept = default;
+
+template <typename Operation>
+auto Connection::guarded(Operation operation) {
+    try {
+        return operation();
+    } catch (const Error& error) {
+        if (!error.providerRecords().empty())
+            errors_ = error.providerRecords();
+        throw;
+    }
+}
+
+void Connection::Open(const std::string& connectionString) {
+    // An engine that is already open stays when the new one cannot be opened.
+    guarded([&] { engine_ = openEngine(connectionString); });
+}
+
+void Connection::Execute(const std::string& statement) {
+    guarded([&] { require(engine_).execute(statement); });
+}
+
+void Connection::BeginTrans() {
+    guarded([&] { require(engine_).begin(); });
+}
+
+void Connection::CommitTrans() {
+    guarded([&] { require(engine_).commit(); });
+}
+
+void Connection::RollbackTrans() {
+    guarded([&] { require(engine_).rollback(); });
+}
+
+std::unique_ptr<Cursor> Connection::query(const std::string& source) {
+    return guarded([&]() -> std::unique_ptr<Cursor> {
+        return std::make_unique<RecordingCursor>(require(engine_).query(source), errors_);
+    });
+}
+
+} // namespace quillet::db

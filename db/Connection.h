@@ -1,0 +1,54 @@
+#pragma once
+
+#include "db/Cursor.h"
+#include "db/Engine.h"
+#include "db/Error.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillet::db {
+
+/// The portable stand-in for ADO's `Connection`. Members that are ADO's carry ADO's names.
+///
+/// Every operation throws `Error`; one that a database reported is also left in `Errors()`, which
+/// keeps it until the next such error, as ADO does.
+class Connection {
+public:
+    Connection();
+    ~Connection();
+    Connection(Connection&&) noexcept;
+    Connection& operator=(Connection&&) noexcept;
+
+    /// Opens a database. The string's `Driver={...}` decides which engine serves it: a driver of
+    /// that name known to the ODBC driver manager gets the string as it stands, less `PROVIDER=`;
+    /// otherwise the Access driver's name means the embedded store, the file `Dbq` in
+    /// `DefaultDir`. A missing file is an error: a store is never created here.
+    void Open(const std::string& connectionString);
+
+    /// Runs exactly one statement and drops its rows.
+    /// @throws Error 3709 when the connection is not open.
+    void Execute(const std::string& statement);
+
+    void BeginTrans();
+    void CommitTrans();
+    void RollbackTrans();
+
+    /// Runs a query and delivers its rows one by one; the connection must outlive the cursor and
+    /// stay where it is meanwhile.
+    std::unique_ptr<Cursor> query(const std::string& source);
+
+    bool IsOpen() const noexcept { return engine_ != nullptr; }
+
+    const std::vector<ErrorRecord>& Errors() const noexcept { return errors_; }
+
+private:
+    template <typename Operation>
+    auto guarded(Operation operation);
+
+    std::unique_ptr<Engine> engine_;
+    std::vector<ErrorRecord> errors_;
+};
+
+} // namespace quillet::db

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "db/Cursor.h"
+
+#include <memory>
+#include <string>
+
+namespace quillet::db {
+
+/// An open database behind a `Connection`. Every failure is an `Error` with provider records.
+class Engine {
+public:
+    virtual ~Engine() = default;
+
+    /// Runs exactly one statement; its rows, if any, are dropped.
+    virtual void execute(const std::string& statement) = 0;
+
+    /// Runs exactly one query. The cursor must not outlive the engine.
+    virtual std::unique_ptr<Cursor> query(const std::string& source) = 0;
+
+    virtual void begin() = 0;
+    virtual void commit() = 0;
+    virtual void rollback() = 0;
+};
+
+} // namespace quillet::db

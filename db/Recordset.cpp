@@ -1,0 +1,198 @@
+#include "db/Recordset.h"
+
+#include "db/Connection.h"
+#include "db/Error.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace quillet::db {
+
+namespace {
+
+constexpr std::uint32_t NoRow = std::numeric_limits<std::uint32_t>::max();
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool equalNames(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lower(x) == lower(y); });
+}
+
+/// The form of a text in which those that a rule calls equal are identical.
+void fold(std::string& text, TextComparison comparison) {
+    if (comparison == TextComparison::Access || comparison == TextComparison::RTrim)
+        text.resize(text.find_last_not_of(' ') + 1);
+    if (comparison == TextComparison::Access || comparison == TextComparison::NoCase)
+        std::transform(text.begin(), text.end(), text.begin(), lower);
+}
+
+struct Criteria {
+    std::string_view column;
+    std::string text;
+};
+
+[[noreturn]] void badCriteria() {
+    throw Error(number::InvalidArgument,
+                "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
+                "with one another.");
+}
+
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+/// Reads `COLUMN = 'text'`.
+Criteria parseCriteria(std::string_view criteria) {
+    const std::size_t equals = criteria.find('=');
+    if (equals == std::string_view::npos)
+        badCriteria();
+    Criteria result;
+    result.column = trimmed(criteria.substr(0, equals));
+    const std::string_view quoted = trimmed(criteria.substr(equals + 1));
+    if (result.column.empty() || result.column.find_first_of(" '<>") != std::string_view::npos ||
+        quoted.size() < 2 || quoted.front() != '\'' || quoted.back() != '\'')
+        badCriteria();
+    const std::string_view body = quoted.substr(1, quoted.size() - 2);
+    for (std::size_t i = 0; i < body.size(); ++i) {
+        if (body[i] == '\'' && (++i == body.size() || body[i] != '\''))
+            badCriteria();
+        result.text += body[i];
+    }
+    return result;
+}
+
+} // namespace
+
+Recordset::Recordset(FieldList fields) : fields_(std::move(fields)), open_(true) {}
+
+void Recordset::Open(const std::string& source, Connection& connection) {
+    *this = Recordset();
+    const std::unique_ptr<Cursor> cursor = connection.query(source);
+    Recordset result(cursor->fields());
+    while (cursor->next())
+        result.addRow(*cursor);
+    *this = std::move(result);
+}
+
+void Recordset::Close() {
+    requireOpen();
+    *this = Recordset();
+}
+
+std::int32_t Recordset::RecordCount() const {
+    requireOpen();
+    return static_cast<std::int32_t>(rows_);
+}
+
+const FieldList& Recordset::Fields() const {
+    requireOpen();
+    return fields_;
+}
+
+bool Recordset::Eof() const {
+    requireOpen();
+    return current_ >= rows_;
+}
+
+void Recordset::MoveFirst() {
+    requireOpen();
+    current_ = 0;
+    requireCurrent();
+}
+
+void Recordset::MoveNext() {
+    requireOpen();
+    requireCurrent();
+    ++current_;
+}
+
+void Recordset::Find(std::string_view criteria) {
+    requireOpen();
+    requireCurrent();
+    Criteria wanted = parseCriteria(criteria);
+    const auto field = std::find_if(fields_.begin(), fields_.end(), [&](const Field& candidate) {
+        return equalNames(candidate.Name, wanted.column);
+    });
+    if (field == fields_.end())
+        throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
+                                          "the requested name or ordinal.");
+    fold(wanted.text, field->comparison);
+    const ColumnIndex& index = indexOf(static_cast<std::size_t>(field - fields_.begin()));
+    const auto found = index.first.find(wanted.text);
+    std::uint32_t row = found == index.first.end() ? NoRow : found->second;
+    while (row != NoRow && row < current_)
+        row = index.nextEqual[row];
+    current_ = row == NoRow ? rows_ : row;
+}
+
+Value Recordset::Item(std::size_t column) const {
+    requireOpen();
+    if (column >= fields_.size())
+        throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
+                                          "the requested name or ordinal.");
+    requireCurrent();
+    return cell(current_, column);
+}
+
+Value* Recordset::addRow() {
+    requireOpen();
+    if (rows_ % RowsPerBlock == 0)
+        blocks_.push_back(std::make_unique<Value[]>(RowsPerBlock * fields_.size()));
+    indexes_.clear();
+    Value* row = blocks_.back().get() + (rows_ % RowsPerBlock) * fields_.size();
+    ++rows_;
+    return row;
+}
+
+void Recordset::addRow(const Cursor& cursor) {
+    Value* row = addRow();
+    for (std::size_t column = 0; column < fields_.size(); ++column)
+        row[column] = cursor.value(column).keptIn(arena_);
+}
+
+const Value& Recordset::cell(std::size_t row, std::size_t column) const noexcept {
+    return blocks_[row / RowsPerBlock][(row % RowsPerBlock) * fields_.size() + column];
+}
+
+void Recordset::requireOpen() const {
+    if (!open_)
+        throw Error(number::ObjectClosed, "Operation is not allowed when the object is closed.");
+}
+
+void Recordset::requireCurrent() const {
+    if (current_ >= rows_)
+        throw Error(number::NoCurrentRecord,
+                    "Either BOF or EOF is True, or the current record has been deleted. Requested "
+                    "operation requires a current record.");
+}
+
+const Recordset::ColumnIndex& Recordset::indexOf(std::size_t column) {
+    if (const auto known = indexes_.find(column); known != indexes_.end())
+        return known->second;
+    ColumnIndex index;
+    index.first.reserve(rows_);
+    index.nextEqual.assign(rows_, NoRow);
+    // Backwards, so that each text ends up at its first row and chains to the later ones.
+    for (std::size_t row = rows_; row-- > 0;) {
+        const Value& value = cell(row, column);
+        if (value.isNull())
+            continue;
+        std::string text = value.toText();
+        fold(text, fields_[column].comparison);
+        const auto [entry, isNew] =
+            index.first.try_emplace(std::move(text), static_cast<std::uint32_t>(row));
+        if (!isNew) {
+            index.nextEqual[row] = entry->second;
+            entry->second = static_cast<std::uint32_t>(row);
+        }
+    }
+    return indexes_.emplace(column, std::move(index)).first->second;
+}
+
+} // namespace quillet::db

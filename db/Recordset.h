@@ -1,0 +1,103 @@
+#pragma once
+
+#include "db/Arena.h"
+#include "db/Cursor.h"
+#include "db/Field.h"
+#include "db/Value.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quillet::db {
+
+class Connection;
+
+/// Rows in memory, as ADO's client-side, read-only recordset: a cursor over them, their number,
+/// values by column position, and `Find`. Server rows and store rows are held alike.
+///
+/// Members that are ADO's carry ADO's names. Using one on a closed recordset is error 3704.
+class Recordset {
+public:
+    Recordset() = default; ///< closed
+
+    /// Open, without rows; addRow() fills it and MoveFirst() puts the cursor on the first one.
+    explicit Recordset(FieldList fields);
+
+    Recordset(Recordset&&) noexcept = default;
+    Recordset& operator=(Recordset&&) noexcept = default;
+    Recordset(const Recordset&) = delete;
+    Recordset& operator=(const Recordset&) = delete;
+    ~Recordset() = default;
+
+    /// Reads the whole result of a query. The recordset stays closed when it throws.
+    /// @throws Error 3709 on a closed connection, or what the database reported.
+    void Open(const std::string& source, Connection& connection);
+
+    void Close();
+    bool IsOpen() const noexcept { return open_; }
+
+    /// Rows, whatever the cursor's position.
+    std::int32_t RecordCount() const;
+
+    const FieldList& Fields() const;
+
+    /// True when the cursor is behind the last row, also when there is no row at all.
+    bool Eof() const;
+
+    /// @throws Error 3021 when there is no row.
+    void MoveFirst();
+
+    /// @throws Error 3021 when the cursor is already behind the last row.
+    void MoveNext();
+
+    /// Moves to the first row, from the current one on, whose column equals a text; behind the
+    /// last row when there is none. The comparison is the column's own (Field::comparison); Null
+    /// equals nothing. Behaves as a scan, costs a hash look-up once the column has been indexed.
+    /// @param criteria `COLUMN = 'text'`, a quote inside the text doubled.
+    /// @throws Error 3001 for criteria of any other form, 3265 for an unknown column,
+    ///         3021 when the cursor is not on a row.
+    void Find(std::string_view criteria);
+
+    /// A cell of the current row. What it borrows lives as long as the recordset.
+    /// @throws Error 3265 for a column that is not there, 3021 when the cursor is not on a row.
+    Value Item(std::size_t column) const;
+
+    /// Appends a row of Nulls and returns its cells, one per field, to be filled in. Whatever
+    /// they borrow must live in arena().
+    Value* addRow();
+    Arena& arena() noexcept { return arena_; }
+
+    /// Appends the current row of a cursor that has this recordset's fields.
+    void addRow(const Cursor& cursor);
+
+private:
+    /// Rows of one column by their text, in the form in which its comparison rule makes equal
+    /// texts identical.
+    struct ColumnIndex {
+        std::unordered_map<std::string, std::uint32_t> first; ///< text to its first row
+        std::vector<std::uint32_t> nextEqual; ///< row to the next row of the same text
+    };
+
+    const Value& cell(std::size_t row, std::size_t column) const noexcept;
+    void requireOpen() const;
+    void requireCurrent() const;
+    const ColumnIndex& indexOf(std::size_t column);
+
+    static constexpr std::size_t RowsPerBlock = 256;
+
+    FieldList fields_;
+    Arena arena_;
+    std::vector<std::unique_ptr<Value[]>> blocks_;
+    std::size_t rows_ = 0;
+    std::size_t current_ = 0;
+    bool open_ = false;
+    std::map<std::size_t, ColumnIndex> indexes_;
+};
+
+} // namespace quillet::db
