@@ -1,0 +1,222 @@
+#include "rds/CallServer.h"
+
+#include "db/Error.h"
+
+#include <cstdint>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+namespace quillet::rds {
+
+namespace {
+
+constexpr std::string_view PathPrefix = "/msadc/msadcs.dll/";
+constexpr std::size_t HeldBack = 64U << 10U;
+
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result) {
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    }
+    return result;
+}
+
+ScodeError failure(std::uint32_t scode, long number, std::string source, std::string description) {
+    ScodeError error;
+    error.scode = scode;
+    error.innerScode = static_cast<std::uint32_t>(number);
+    error.source.text = std::move(source);
+    error.description.text = std::move(description);
+    return error;
+}
+
+/// Passes a body on in large pieces, the first one as late as possible.
+class HeldBackBody {
+public:
+    explicit HeldBackBody(HttpReply& reply) : reply_(reply) {}
+
+    void append(std::string_view bytes) {
+        held_ += bytes;
+        if (held_.size() >= HeldBack)
+            flush();
+    }
+
+    void flush() {
+        begun_ = true;
+        reply_.write(held_);
+        sent_ += held_.size();
+        held_.clear();
+    }
+
+    void replace(std::string body) { held_ = std::move(body); }
+
+    bool begun() const noexcept { return begun_; }
+    std::size_t sent() const noexcept { return sent_; }
+
+private:
+    HttpReply& reply_;
+    std::string held_;
+    std::size_t sent_ = 0;
+    bool begun_ = false;
+};
+
+class CountingCursor : public db::Cursor {
+public:
+    explicit CountingCursor(db::Cursor& cursor) : cursor_(cursor) {}
+
+    const db::FieldList& fields() const override { return cursor_.fields(); }
+    db::Value value(std::size_t column) const override { return cursor_.value(column); }
+    bool next() override {
+        const bool row = cursor_.next();
+        rows_ += row ? 1 : 0;
+        return row;
+    }
+
+    std::size_t rows() const noexcept { return rows_; }
+
+private:
+    db::Cursor& cursor_;
+    std::size_t rows_ = 0;
+};
+
+class ReplyWriter : public CallResult {
+public:
+    /// @param returned which arguments go back with their values.
+    ReplyWriter(HeldBackBody& body, const Call& call, const std::vector<bool>* returned,
+                std::string& summary)
+        : sink_([&body](std::string_view bytes) { body.append(bytes); }), call_(call),
+          returned_(returned), summary_(summary) {}
+
+    void rows(db::Cursor& cursor) override {
+        writeHead();
+        CountingCursor counting(cursor);
+        writeReplyResult(sink_, call_.boundary, counting);
+        note(std::to_string(counting.rows()) + (counting.rows() == 1 ? " row" : " rows"));
+    }
+
+    void value(const Variant& result) override {
+        writeHead();
+        writeReplyResult(sink_, call_.boundary, result);
+    }
+
+    void note(std::string summary) override { summary_ = std::move(summary); }
+
+    void finish() {
+        if (!headWritten_)
+            writeHead();
+        writeReplyEnd(sink_, call_.boundary);
+    }
+
+private:
+    void writeHead() {
+        std::vector<Variant> arguments(call_.arguments.size());
+        for (std::size_t i = 0; returned_ != nullptr && i < arguments.size(); ++i) {
+            if ((*returned_)[i])
+                arguments[i] = call_.arguments[i];
+        }
+        writeReplyHead(sink_, call_.boundary, arguments);
+        headWritten_ = true;
+    }
+
+    ByteSink sink_;
+    const Call& call_;
+    const std::vector<bool>* returned_;
+    std::string& summary_;
+    bool headWritten_ = false;
+};
+
+} // namespace
+
+CallServer::CallServer(Options options, Observer observer)
+    : options_(options), observer_(std::move(observer)) {}
+
+void CallServer::add(const std::string& progId, ServerObject& object) {
+    auto& methods = objects_[lowerCase(progId)];
+    for (ServerObject::Method& method : object.methods())
+        methods.insert_or_assign(lowerCase(method.name), std::move(method));
+}
+
+void CallServer::handle(const HttpRequest& request, HttpReply& reply) const {
+    CallRecord record;
+    record.peer = request.peer;
+    record.target = request.method + ' ' + request.target;
+    const auto start = std::chrono::steady_clock::now();
+    const auto observe = [&] {
+        record.elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now() - start);
+        if (observer_)
+            observer_(record);
+    };
+    try {
+        if (!lowerCase(request.target).starts_with(PathPrefix)) {
+            record.error = "no such path";
+            reply.error(404, "There is nothing here");
+        } else if (request.method != "POST") {
+            record.error = "not a POST";
+            reply.error(405, "Calls are POST requests");
+        } else
+            answer(request, reply, record);
+    } catch (const std::exception& error) {
+        record.error = error.what();
+        observe();
+        throw;
+    }
+    observe();
+}
+
+void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord& record) const {
+    HeldBackBody body(reply);
+    ScodeError error;
+    try {
+        Call call = decodeCall(request.target, request.body);
+        record.target = call.progId + '.' + call.method;
+        const ServerObject::Method& method = find(call);
+        ReplyWriter writer(body, call, options_.returnArguments ? &method.byReference : nullptr,
+                           record.summary);
+        method.run(call.arguments, writer);
+        writer.finish();
+        body.flush();
+        record.bytes = body.sent();
+        return;
+    } catch (const CallError& refusal) {
+        if (body.begun())
+            throw;
+        error = refusal.error();
+    } catch (const db::Error& exception) {
+        if (body.begun())
+            throw;
+        error = failure(scode::Exception, exception.Number(), record.target, exception.what());
+    } catch (const std::exception& exception) {
+        if (body.begun())
+            throw;
+        error = failure(scode::Exception, db::number::Unspecified, record.target, exception.what());
+    }
+    const auto number = error.scode == scode::Exception ? error.innerScode : error.scode;
+    record.error = "error " + std::to_string(static_cast<std::int32_t>(number)) + ": " +
+                   error.description.text.value_or("");
+    body.replace(encodeCallError(error));
+    body.flush();
+    record.bytes = body.sent();
+}
+
+const ServerObject::Method& CallServer::find(const Call& call) const {
+    const auto object = objects_.find(lowerCase(call.progId));
+    if (object == objects_.end())
+        throw CallError(failure(scode::InvalidArgument, 0, call.progId,
+                                "There is no object '" + call.progId + "' on this server."));
+    const auto method = object->second.find(lowerCase(call.method));
+    if (method == object->second.end())
+        throw CallError(
+            failure(scode::UnknownMethod, 0, call.progId,
+                    "The object '" + call.progId + "' has no method '" + call.method + "'."));
+    const std::size_t expected = method->second.byReference.size();
+    if (call.arguments.size() != expected)
+        throw CallError(failure(scode::InvalidArgument, 0, call.progId,
+                                "The method '" + call.method + "' takes " +
+                                    std::to_string(expected) + " arguments."));
+    return method->second;
+}
+
+} // namespace quillet::rds

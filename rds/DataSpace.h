@@ -1,0 +1,26 @@
+#pragma once
+
+#include "rds/HttpClient.h"
+#include "rds/RemoteObject.h"
+
+#include <string>
+
+namespace quillet::rds {
+
+/// The portable stand-in for the `RDS.DataSpace` object: makes proxies of server-side objects.
+class DataSpace {
+public:
+    explicit DataSpace(HttpClient::Timeouts timeouts = {}) : timeouts_(timeouts) {}
+
+    /// Makes a proxy; the server is not asked before the first call.
+    /// @param progId of the server-side object.
+    /// @param connection "http://" and the server's name or address, optionally with a port.
+    /// @throws db::Error 429 for a blank or impossible ProgID, a blank server, or anything but
+    ///         an http address.
+    RemoteObject CreateObject(const std::string& progId, const std::string& connection) const;
+
+private:
+    HttpClient::Timeouts timeouts_;
+};
+
+} // namespace quillet::rds

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "rds/Variant.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillet::rds {
+
+/// A multipart message as it stands on the wire.
+struct Message {
+    std::string boundary;
+    std::size_t argumentCount = 0; ///< what the headline claims
+    std::vector<Variant> values;   ///< in the order of the wire, a result last
+};
+
+/// Whether a body is a whole-call error instead of a message (MS-ADTG 2.2.2.2).
+bool isCallError(std::string_view body) noexcept;
+
+/// Reads the value of a whole-call error.
+/// @throws db::Error `number::Unspecified` when it is none.
+ScodeError readCallError(std::string_view body);
+
+/// Reads a message, with or without a version line in front. Parts end where their values end,
+/// never at something that looks like a delimiter; bytes behind the closing one are ignored.
+/// @throws db::Error `number::Unspecified` when the body is cut short or contradicts itself.
+Message readMessage(std::string_view body);
+
+} // namespace quillet::rds

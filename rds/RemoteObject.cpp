@@ -1,0 +1,91 @@
+#include "rds/RemoteObject.h"
+
+#include "db/Error.h"
+
+#include <utility>
+
+namespace quillet::rds {
+
+namespace {
+
+constexpr long ObjectVariableNotSet = 91;
+
+db::Error typeMismatch() {
+    return {db::number::TypeMismatch, "Type mismatch"};
+}
+
+std::string returned(const Variant& argument, const std::string& kept) {
+    return argument.isEmpty() ? kept : argument.toText();
+}
+
+std::vector<std::string> returned(const Variant& argument, const std::vector<std::string>& kept) {
+    if (argument.isEmpty())
+        return kept;
+    const auto* array = std::get_if<VariantArray>(&argument);
+    if (array == nullptr)
+        throw typeMismatch();
+    std::vector<std::string> texts;
+    texts.reserve(array->elements.size());
+    for (const Variant& element : array->elements)
+        texts.push_back(element.toText());
+    return texts;
+}
+
+bool toBoolean(const Variant& value) {
+    if (const auto* boolean = std::get_if<bool>(&value))
+        return *boolean;
+    if (const auto* number = std::get_if<std::int16_t>(&value))
+        return *number != 0;
+    if (const auto* number = std::get_if<std::int32_t>(&value))
+        return *number != 0;
+    if (value.isEmpty())
+        return false;
+    throw typeMismatch();
+}
+
+} // namespace
+
+RemoteObject::RemoteObject(std::string progId, std::string server, HttpClient client)
+    : progId_(std::move(progId)), server_(std::move(server)), client_(client) {}
+
+db::Recordset RemoteObject::Getsql(std::string& sql, std::int16_t first, std::int16_t second,
+                                   Variant& information, std::string& connection) {
+    Reply reply = invoke("Getsql", {Variant::string(sql), Variant(first), Variant(second),
+                                    information, Variant::string(connection)});
+    const auto* object = reply.result ? std::get_if<Dispatch>(&*reply.result) : nullptr;
+    if (object == nullptr)
+        throw typeMismatch();
+    if (!object->recordset)
+        throw db::Error(ObjectVariableNotSet, "Object variable or With block variable not set");
+    std::string newSql = returned(reply.arguments[0], sql);
+    std::string newConnection = returned(reply.arguments[4], connection);
+    sql = std::move(newSql);
+    connection = std::move(newConnection);
+    if (!reply.arguments[3].isEmpty())
+        information = std::move(reply.arguments[3]);
+    return std::move(*object->recordset);
+}
+
+bool RemoteObject::PUTSQL(std::vector<std::string>& statements, std::string& errorText,
+                          std::string& connection) {
+    const Reply reply = invoke("PUTSQL", {Variant::strings(statements), Variant::string(errorText),
+                                          Variant::string(connection)});
+    if (!reply.result)
+        throw typeMismatch();
+    const bool executed = toBoolean(*reply.result);
+    auto newStatements = returned(reply.arguments[0], statements);
+    std::string newErrorText = returned(reply.arguments[1], errorText);
+    std::string newConnection = returned(reply.arguments[2], connection);
+    statements = std::move(newStatements);
+    errorText = std::move(newErrorText);
+    connection = std::move(newConnection);
+    return executed;
+}
+
+Reply RemoteObject::invoke(const std::string& method, std::vector<Variant> arguments) {
+    Call call{progId_, method, std::move(arguments), newBoundary()};
+    const std::string body = client_.post(server_, callPath(call), encodeCall(call));
+    return decodeReply(body, call.arguments.size());
+}
+
+} // namespace quillet::rds
