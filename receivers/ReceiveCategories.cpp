@@ -1,0 +1,68 @@
+#include "receivers/ReceiveCategories.h"
+
+#include "sync/Receiver.h"
+#include "sync/StatementTemplate.h"
+
+namespace quillet::receivers {
+
+namespace {
+
+// Server row: 0 code, 1 name, 2 hidden marker ('0' show, '1' hide), 3 order (not used).
+constexpr const char* ServerSql =
+    " SELECT CONCAT('0',LEFT(KD_ID,3)) AS KD_ID,KD_NAME,"
+    " IF(IF(ISNULL(KD_CKSD),'N',KD_CKSD) = 'Y', '0','1'), KD_ORDER from KIND "
+    " WHERE IF(ISNULL(KD_CKGU),'A402',KD_CKGU) = 'A402' "
+    " UNION ALL "
+    " SELECT DISTINCT CONCAT('0',LEFT(KD_ID,3)) AS KD_ID,KD_NAME, '0', KD_ORDER FROM KIND "
+    " WHERE IF(ISNULL(KD_CKSD),'Y',KD_CKSD) = 'Y' "
+    " AND IF(ISNULL(KD_CKGU),'A420',KD_CKGU) = 'A420' AND KD_LVL = 1 AND LEFT(KD_ID,3) <> '999' ";
+
+// The store numbers new categories itself, in the order in which they arrive; the head office's
+// order is deliberately not taken over.
+const sync::StatementTemplate
+    Insert(" INSERT INTO KIND (KIND_CODE,KIND_NAME,KIND_ORDER,KIND_VISIBLE) "
+           " SELECT '{0}','{1}',IIF(COUNT(*) = 0,1,MAX(KIND_ORDER) + 1),0 "
+           " FROM KIND ");
+
+// Whatever the hidden marker says: order and visibility of a known category are the store's own.
+const sync::StatementTemplate Update(" UPDATE KIND SET KIND_NAME = '{1}' WHERE KIND_CODE = '{0}' ");
+
+bool isShown(const sync::ServerRow& row) {
+    return row.number(2) == 0;
+}
+
+void emptyMenuTables(sync::Run& run) {
+    run.DelList.insert(run.DelList.end(),
+                       {" DELETE FROM PRO  ", " DELETE FROM PRS  ", " DELETE FROM PRC  ",
+                        " DELETE FROM PR   ", " DELETE FROM KIND "});
+    // Its status is deliberately not asked: what could not be emptied is looked up like any row.
+    run.store().PUT_DATA_DEL(run.DelList);
+}
+
+bool neverReceived(const sync::Run& run) {
+    return run.stamp(sync::Group::Menu).find_first_not_of(' ') == std::string::npos;
+}
+
+} // namespace
+
+bool ReceiveCategories(sync::Run& run) {
+    sync::Upsert categories;
+    categories.title = CategoriesTitle;
+    categories.ServerSql = ServerSql;
+    categories.StoreSql = " SELECT KIND_CODE,KIND_NAME FROM KIND ";
+    categories.rowTotal = sync::RowTotalRule::Set;
+    categories.keyPrefix = "KIND_CODE = '";
+    categories.beforeLookup = [&run] {
+        if (neverReceived(run))
+            emptyMenuTables(run);
+    };
+    categories.insert = [](const sync::ServerRow& row) -> std::optional<std::string> {
+        if (!isShown(row))
+            return std::nullopt; // a new category that is hidden is not created at all
+        return Insert.render(row);
+    };
+    categories.update = [](const sync::ServerRow& row) { return Update.render(row); };
+    return sync::receive(run, categories);
+}
+
+} // namespace quillet::receivers

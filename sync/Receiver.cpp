@@ -1,0 +1,87 @@
+#include "sync/Receiver.h"
+
+#include "db/Error.h"
+
+namespace quillet::sync {
+
+namespace {
+
+/// The element of the statement array that a failure logs: the one at the handled-row counter.
+std::string loggedStatement(const Run& run, std::size_t handledRows) {
+    return handledRows < run.statements.size() ? run.statements[handledRows] : std::string();
+}
+
+void appendIfAny(Run& run, std::optional<std::string> statement) {
+    if (statement)
+        run.append(std::move(*statement));
+}
+
+/// Reads the look-up rows. A failed snapshot comes back closed; using it is the error, and what
+/// the store said of it tells the technician why.
+db::Recordset snapshot(Run& run, std::string_view StoreSql) {
+    db::Recordset StoreRs = run.store().GET_RSS(std::string(StoreSql));
+    if (run.store().Status() != 1)
+        throw db::Error(db::number::ObjectClosed,
+                        "Operation is not allowed when the object is closed. " +
+                            run.store().errorText());
+    return StoreRs;
+}
+
+void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
+    db::Recordset ServerRs = run.queryServer(upsert.ServerSql);
+    if (ServerRs.Eof())
+        return;
+    run.RowTotal =
+        (upsert.rowTotal == RowTotalRule::Set ? 0 : run.RowTotal) + ServerRs.RecordCount();
+    if (upsert.beforeLookup)
+        upsert.beforeLookup();
+
+    db::Recordset StoreRs = snapshot(run, upsert.StoreSql);
+    const ServerRow row(ServerRs);
+
+    if (StoreRs.Eof()) {
+        const auto& insert = upsert.firstFill ? upsert.firstFill : upsert.insert;
+        for (; !ServerRs.Eof(); ServerRs.MoveNext())
+            appendIfAny(run, insert(row));
+        return;
+    }
+    std::string criteria;
+    for (; !ServerRs.Eof(); ServerRs.MoveNext()) {
+        criteria = upsert.keyPrefix;
+        criteria += upsert.key ? upsert.key(row) : row.text(0);
+        criteria += "' ";
+        StoreRs.MoveFirst();
+        StoreRs.Find(criteria);
+        if (StoreRs.Eof())
+            appendIfAny(run, upsert.insert(row));
+        else
+            run.append(upsert.update(row));
+        if (upsert.countsRows)
+            ++handledRows;
+    }
+}
+
+} // namespace
+
+bool guardReceiver(Run& run, std::string_view title,
+                   const std::function<void(std::size_t& handledRows)>& steps) {
+    std::size_t handledRows = 0;
+    try {
+        steps(handledRows);
+        return true;
+    } catch (const db::Error& error) {
+        run.WriteDownloadLog(std::string(title), loggedStatement(run, handledRows), error.Number(),
+                             error.Description());
+    } catch (const std::exception& other) {
+        run.WriteDownloadLog(std::string(title), loggedStatement(run, handledRows),
+                             db::number::Unspecified, other.what());
+    }
+    return false;
+}
+
+bool receive(Run& run, const Upsert& upsert) {
+    return guardReceiver(run, upsert.title,
+                         [&](std::size_t& handledRows) { collect(run, upsert, handledRows); });
+}
+
+} // namespace quillet::sync

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "sync/Run.h"
+#include "sync/ServerRow.h"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillet::sync {
+
+/// What a receiver does with the run's RowTotal when rows came.
+enum class RowTotalRule { Set, Add };
+
+/// A receiver that turns each server row into one INSERT or UPDATE, by looking its key up in a
+/// snapshot of the store table. What differs between receivers is said here; what they share is
+/// done by receive().
+///
+/// The snapshot does not see statements that the run has collected: a key that comes twice and is
+/// new in the store is inserted twice.
+struct Upsert {
+    using Statement = std::function<std::string(const ServerRow&)>;
+    using OptionalStatement = std::function<std::optional<std::string>(const ServerRow&)>;
+
+    std::string_view title;    ///< names the receiver in the download log
+    std::string ServerSql;     ///< the server query
+    std::string_view StoreSql; ///< the look-up query: the key column of the whole store table
+    RowTotalRule rowTotal = RowTotalRule::Add;
+
+    /// The look-up's criteria up to the key, opening quote included. Receivers differ in a leading
+    /// blank.
+    std::string_view keyPrefix;
+    /// The key as text; field 0 when empty.
+    Statement key;
+
+    /// For a key that is not in the store; without a value the row is passed over.
+    OptionalStatement insert;
+    /// For a store table without rows, where it differs from insert.
+    OptionalStatement firstFill;
+    /// For a key that is in the store.
+    Statement update;
+
+    /// Work between the arrival of rows and the look-up.
+    std::function<void()> beforeLookup;
+
+    /// One receiver's handled-row counter deliberately never moves.
+    bool countsRows = true;
+};
+
+/// Queries the server and appends the statements to the run's array.
+/// @return the receive result flag: true also when the server has no rows. After a run-time error
+///         false; the error is in the download log, with the statement at the handled-row
+///         counter's index.
+[[nodiscard]] bool receive(Run& run, const Upsert& upsert);
+
+/// The steps of a receiver under the failure path that all of them share.
+/// @param steps gets the handled-row counter, which decides the statement that a failure logs.
+/// @return as receive().
+[[nodiscard]] bool guardReceiver(Run& run, std::string_view title,
+                                 const std::function<void(std::size_t& handledRows)>& steps);
+
+} // namespace quillet::sync

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "db/Clock.h"
+#include "db/DownloadLog.h"
+#include "db/Recordset.h"
+#include "db/VelkDBPro.h"
+#include "rds/DataSpace.h"
+#include "sync/Settings.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace quillet::sync {
+
+/// The data groups that a person can tick, in the order of their checkboxes and stamps.
+enum class Group : std::size_t { Menu, Members, Users, Settings, AccountTitles };
+inline constexpr std::size_t Groups = 5;
+
+/// Which groups are ticked.
+using Ticks = std::array<bool, Groups>;
+
+/// Where the head office is, as start-up read it from the settings.
+struct HeadOffice {
+    std::string serverAddress;    ///< host, optionally with ":" and a port
+    std::string remoteObjectName; ///< ProgID of the remote query object
+    std::string connectionString; ///< of the server database; handed over with every query
+    std::string storeCode;        ///< "1000" when the setting is blank
+};
+
+/// What the receivers of a run share: where rows come from, what has been collected, what the
+/// stamps were. The window owns it; the driver empties and consumes it.
+class Run {
+public:
+    Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog,
+        db::Clock clock = db::localNow);
+
+    HeadOffice headOffice;
+
+    /// The statement array: element 0 stays an empty placeholder.
+    db::StatementArray statements{std::string()};
+    /// Statements that must run at once, before collection.
+    db::StatementArray DelList{std::string()};
+    /// Server rows received; some receivers set it, others add to it.
+    std::int32_t RowTotal = 0;
+    db::GroupCounts groupCounts{};
+
+    /// Server time of the last receive of each group; empty until read, or never received.
+    std::array<std::string, Groups> stamps;
+    bool stampRowExists = false;
+
+    std::string priceOptionFlag; ///< "Y": prices are the stores' own
+    std::string priceOptionMode;
+    std::int16_t setMenuSkipFlag = 0; ///< set menus are received when 0
+
+    /// Empties both statement arrays.
+    void clearStatements();
+
+    void append(std::string statement) { statements.push_back(std::move(statement)); }
+
+    /// The highest index of the statement array: how many statements are queued.
+    std::int32_t upperBound() const noexcept {
+        return static_cast<std::int32_t>(statements.size()) - 1;
+    }
+
+    /// The stamp of a group as the store has it.
+    const std::string& stamp(Group group) const { return stamps[static_cast<std::size_t>(group)]; }
+
+    /// Runs a query on the server database through the remote query object.
+    /// @throws db::Error with the server's number and description, or 429 or 462.
+    db::Recordset queryServer(std::string ServerSql);
+
+    /// Writes to the download log, where its folder exists.
+    void WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,
+                          const std::string& errDescription) const noexcept;
+
+    db::VelkDBPro& store() noexcept { return store_; }
+    const Settings& settings() const noexcept { return settings_; }
+    db::DateTime now() const { return clock_(); }
+
+private:
+    db::VelkDBPro& store_;
+    Settings& settings_;
+    db::DownloadLog downloadLog_;
+    db::Clock clock_;
+    std::optional<rds::DataSpace> DataSpace; ///< created on first use
+};
+
+} // namespace quillet::sync

@@ -1,0 +1,75 @@
+#include "sync/StatementTemplate.h"
+
+#include "sync/LeadingNumber.h"
+
+#include <algorithm>
+#include <charconv>
+#include <stdexcept>
+
+namespace quillet::sync {
+
+namespace {
+
+std::size_t fieldIndex(std::string_view digits) {
+    std::size_t index = 0;
+    const auto [end, failure] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), index);
+    if (failure != std::errc() || end != digits.data() + digits.size())
+        throw std::logic_error("unknown place in a statement: " + std::string(digits));
+    return index;
+}
+
+} // namespace
+
+StatementTemplate::Piece StatementTemplate::place(std::string_view name,
+                                                  std::initializer_list<std::string_view> names) {
+    if (name.starts_with('#'))
+        return {Kind::Number, {}, fieldIndex(name.substr(1))};
+    const auto* const computed = std::find(names.begin(), names.end(), name);
+    if (computed != names.end())
+        return {Kind::Computed, {}, static_cast<std::size_t>(computed - names.begin())};
+    return {Kind::Text, {}, fieldIndex(name)};
+}
+
+StatementTemplate::StatementTemplate(std::string_view pattern,
+                                     std::initializer_list<std::string_view> names) {
+    while (!pattern.empty()) {
+        const std::size_t open = std::min(pattern.find('{'), pattern.size());
+        if (open > 0)
+            pieces_.push_back({Kind::Literal, pattern.substr(0, open)});
+        literalSize_ += open;
+        pattern.remove_prefix(open);
+        if (pattern.empty())
+            break;
+        const std::size_t close = pattern.find('}');
+        if (close == std::string_view::npos)
+            throw std::logic_error("unclosed place in a statement");
+        pieces_.push_back(place(pattern.substr(1, close - 1), names));
+        pattern.remove_prefix(close + 1);
+    }
+}
+
+std::string StatementTemplate::render(const ServerRow& row,
+                                      std::span<const std::string_view> computed) const {
+    std::string statement;
+    statement.reserve(literalSize_ + pieces_.size() * 8);
+    for (const Piece& piece : pieces_) {
+        switch (piece.kind) {
+        case Kind::Literal:
+            statement += piece.literal;
+            break;
+        case Kind::Text:
+            row.appendTextTo(statement, piece.index);
+            break;
+        case Kind::Number:
+            statement += numberText(row.number(piece.index));
+            break;
+        case Kind::Computed:
+            statement += computed[piece.index];
+            break;
+        }
+    }
+    return statement;
+}
+
+} // namespace quillet::sync

@@ -1,0 +1,68 @@
+#include "sync/UpdateStamps.h"
+
+#include "sync/Receiver.h"
+
+namespace quillet::sync {
+
+namespace {
+
+constexpr std::array<std::string_view, Groups> Openings{
+    " UPD_PR = '", " UPD_CT = '", " UPD_USR = '", " UPD_BAS = '", " UPD_FN = '"};
+
+using Items = std::array<std::string, Groups>;
+
+std::string joined(const Items& items, std::string_view separator) {
+    std::string result = items[0];
+    for (std::size_t i = 1; i < items.size(); ++i) {
+        result += separator;
+        result += items[i];
+    }
+    return result;
+}
+
+std::string stampText(Run& run) {
+    const db::Recordset ServerRs = run.queryServer(" SELECT NOW() ");
+    return ServerRs.Eof() ? db::dateTimeText(run.now()) : ServerRs.Item(0).toText();
+}
+
+std::string updateStatement(const Ticks& ticked, const std::string& stamp) {
+    Items items;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (ticked[i])
+            items[i] = std::string(Openings[i]) + stamp + "' ";
+    return " UPDATE UPD SET " + joined(items, ",");
+}
+
+std::string insertStatement(const Ticks& ticked, const std::string& stamp) {
+    Items items;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        if (ticked[i])
+            items[i] = stamp;
+    return " INSERT INTO UPD (UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN) VALUES ('" +
+           joined(items, "','") + "') ";
+}
+
+} // namespace
+
+void ReadStamps(Run& run) {
+    db::TextTable FD;
+    std::int32_t FDROW = 0;
+    std::int32_t FDCOL = 0;
+    run.store().GET_DATA(" SELECT UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN FROM UPD ", FD, FDROW,
+                         FDCOL);
+    if (FDROW < 1)
+        return;
+    run.stampRowExists = true;
+    for (std::size_t i = 0; i < Groups; ++i)
+        run.stamps[i] = FD[1][i];
+}
+
+bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title) {
+    return guardReceiver(run, title, [&](std::size_t& /*handledRows*/) {
+        const std::string stamp = stampText(run);
+        run.append(run.stampRowExists ? updateStatement(ticked, stamp)
+                                      : insertStatement(ticked, stamp));
+    });
+}
+
+} // namespace quillet::sync

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "sync/Run.h"
+
+#include <string_view>
+
+namespace quillet::sync {
+
+/// The update stamps make receiving incremental: per data group the server's time of the last run
+/// that received it, kept in the single row of the store table `UPD`.
+
+/// Reads the stamps into the run. A store without a row leaves them empty, and its next stamp
+/// statement is an INSERT.
+void ReadStamps(Run& run);
+
+/// Appends the statement that stores the server's current time for the ticked groups.
+///
+/// The UPDATE deliberately joins the unticked groups' empty items too, so that a later run with
+/// only some groups ticked carries consecutive commas and fails as a whole.
+/// @param title under which a failure goes to the download log.
+/// @return false after a run-time error; nothing is appended then.
+[[nodiscard]] bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title);
+
+} // namespace quillet::sync
