@@ -1,0 +1,57 @@
+#include "headoffice/CommandObject.h"
+
+#include "db/Connection.h"
+#include "db/Error.h"
+#include "db/Transaction.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace quillet::headoffice {
+
+namespace {
+
+std::vector<std::string> statementsOf(const rds::Variant& argument) {
+    const auto* array = std::get_if<rds::VariantArray>(&argument);
+    if (array == nullptr || array->dimensions.size() > 1)
+        throw db::Error(db::number::TypeMismatch, "Type mismatch");
+    std::vector<std::string> statements;
+    std::int64_t index = array->dimensions.empty() ? 0 : array->dimensions.front().lowerBound;
+    for (const rds::Variant& element : array->elements) {
+        std::string statement = index++ < 1 ? std::string() : element.toText();
+        if (statement.find_first_not_of(" \t\r\n") != std::string::npos)
+            statements.push_back(std::move(statement));
+    }
+    return statements;
+}
+
+} // namespace
+
+std::vector<rds::ServerObject::Method> CommandObject::methods() {
+    return {{"PUTSQL", {true, true, true}, putsql}};
+}
+
+void CommandObject::putsql(Arguments& arguments, rds::CallResult& result) {
+    const auto statements = statementsOf(arguments[0]);
+    const std::string count =
+        std::to_string(statements.size()) + (statements.size() == 1 ? " statement" : " statements");
+    bool executed = false;
+    try {
+        db::Connection connection;
+        connection.Open(arguments[2].toText());
+        db::Transaction transaction(connection);
+        for (const std::string& statement : statements)
+            connection.Execute(statement);
+        transaction.Commit();
+        executed = true;
+        result.note(count);
+    } catch (const db::Error& error) {
+        arguments[1] = rds::Variant::string(error.Description());
+        result.note(count + " refused, error " + std::to_string(error.Number()) + ": " +
+                    error.Description());
+    }
+    result.value(executed);
+}
+
+} // namespace quillet::headoffice

@@ -1,0 +1,63 @@
+#include "headoffice/RequestLog.h"
+
+#include "db/CaseInsensitive.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <ostream>
+#include <utility>
+
+namespace quillet::headoffice {
+
+namespace {
+
+/// The length of a connection string's value at the start of a text: up to ";", or in braces.
+std::size_t valueLength(std::string_view text) {
+    std::size_t end = 0;
+    if (text.starts_with('{')) {
+        end = text.find('}', 1);
+        while (end != std::string_view::npos && text.substr(end + 1).starts_with('}'))
+            end = text.find('}', end + 2);
+    }
+    return std::min(text.find(';', std::min(end, text.size())), text.size());
+}
+
+} // namespace
+
+RequestLog::RequestLog(std::ostream& out, db::Clock clock) : out_(out), clock_(std::move(clock)) {}
+
+void RequestLog::write(const rds::CallRecord& record) {
+    std::string line = record.peer + ' ' + record.target + ' ';
+    if (!record.summary.empty())
+        line += record.summary + ", ";
+    if (!record.error.empty())
+        line += record.error + ", ";
+    line +=
+        std::to_string(record.elapsed.count()) + " ms, " + std::to_string(record.bytes) + " bytes";
+    const std::lock_guard lock(mutex_);
+    out_ << db::dateTimeText(clock_()) << ' ' << withoutSecrets(line) << std::endl;
+}
+
+std::string withoutSecrets(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        bool masked = false;
+        for (const std::string_view key : {"PWD=", "PASSWORD="}) {
+            if (!db::equalIgnoringCase(text.substr(0, key.size()), key))
+                continue;
+            result += text.substr(0, key.size());
+            result += "***";
+            text.remove_prefix(key.size());
+            text.remove_prefix(valueLength(text));
+            masked = true;
+        }
+        if (masked)
+            continue;
+        const auto c = static_cast<unsigned char>(text.front());
+        result += c < ' ' || c == 0x7F ? ' ' : text.front();
+        text.remove_prefix(1);
+    }
+    return result;
+}
+
+} // namespace quillet::headoffice
