@@ -1,0 +1,71 @@
+#include "app/PacedDisplay.h"
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QProgressBar>
+
+namespace quillet::app {
+
+PacedControl::PacedControl(PacedDisplay& display) {
+    display.controls_.push_back(this);
+}
+
+void PacedControl::show() {
+    if (!isChanged_)
+        return;
+    isChanged_ = false;
+    apply();
+}
+
+LabelControl::LabelControl(PacedDisplay& display, QLabel& widget)
+    : PacedControl(display), widget_(widget) {}
+
+void LabelControl::SetCaption(const std::string& caption) {
+    caption_ = caption;
+    changed();
+}
+
+void LabelControl::apply() {
+    widget_.setText(QString::fromStdString(caption_));
+}
+
+ProgressBarControl::ProgressBarControl(PacedDisplay& display, QProgressBar& widget)
+    : PacedControl(display), widget_(widget) {}
+
+void ProgressBarControl::SetMin(std::int32_t min) {
+    min_ = min;
+    changed();
+}
+
+void ProgressBarControl::SetMax(std::int32_t max) {
+    max_ = max;
+    changed();
+}
+
+void ProgressBarControl::SetValue(std::int32_t value) {
+    value_ = value;
+    changed();
+}
+
+void ProgressBarControl::apply() {
+    widget_.setRange(min_, max_);
+    widget_.setValue(value_);
+}
+
+PacedDisplay::PacedDisplay() {
+    sinceRefresh_.start();
+}
+
+void PacedDisplay::yield() {
+    if (sinceRefresh_.elapsed() >= RefreshInterval)
+        refresh();
+    QCoreApplication::processEvents();
+}
+
+void PacedDisplay::refresh() {
+    for (PacedControl* control : controls_)
+        control->show();
+    sinceRefresh_.restart();
+}
+
+} // namespace quillet::app

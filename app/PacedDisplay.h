@@ -1,0 +1,90 @@
+#pragma once
+
+#include "db/Controls.h"
+
+#include <QElapsedTimer>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class QLabel;
+class QProgressBar;
+
+namespace quillet::app {
+
+class PacedDisplay;
+
+/// A window control whose widget follows at the display's pace.
+class PacedControl {
+public:
+    explicit PacedControl(PacedDisplay& display);
+    virtual ~PacedControl() = default;
+    PacedControl(const PacedControl&) = delete;
+    PacedControl& operator=(const PacedControl&) = delete;
+
+    /// Brings the widget up to date, if anything has changed.
+    void show();
+
+protected:
+    void changed() noexcept { isChanged_ = true; }
+
+private:
+    virtual void apply() = 0;
+
+    bool isChanged_ = false;
+};
+
+class LabelControl : public db::Label, public PacedControl {
+public:
+    LabelControl(PacedDisplay& display, QLabel& widget);
+    std::string Caption() const override { return caption_; }
+    void SetCaption(const std::string& caption) override;
+
+private:
+    void apply() override;
+
+    QLabel& widget_;
+    std::string caption_;
+};
+
+class ProgressBarControl : public db::ProgressBar, public PacedControl {
+public:
+    ProgressBarControl(PacedDisplay& display, QProgressBar& widget);
+    void SetMin(std::int32_t min) override;
+    void SetMax(std::int32_t max) override;
+    std::int32_t Value() const override { return value_; }
+    void SetValue(std::int32_t value) override;
+
+private:
+    void apply() override;
+
+    QProgressBar& widget_;
+    std::int32_t min_ = 0;
+    std::int32_t max_ = 100;
+    std::int32_t value_ = 0;
+};
+
+/// Shows what the controls hold at most about 30 times a second while a batch runs: a repaint per
+/// statement costs several times the statement.
+class PacedDisplay {
+public:
+    /// Milliseconds between two refreshes.
+    static constexpr int RefreshInterval = 33;
+
+    PacedDisplay();
+
+    /// Lets waiting window events be handled, and refreshes the widgets when it is time.
+    void yield();
+
+    /// Brings every widget up to date now.
+    void refresh();
+
+private:
+    friend class PacedControl;
+
+    std::vector<PacedControl*> controls_;
+    QElapsedTimer sinceRefresh_;
+};
+
+} // namespace quillet::app

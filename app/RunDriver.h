@@ -1,0 +1,34 @@
+#pragma once
+
+#include "app/ReceiveView.h"
+#include "sync/Run.h"
+
+#include <cstdint>
+
+namespace quillet::app {
+
+/// What the start button does: receives the ticked groups in their fixed order, then hands what
+/// they collected to the store in one transaction.
+class RunDriver {
+public:
+    enum class Result : std::int16_t {
+        Failed = 0,          ///< the status line says what; nothing was written
+        Received = 1,        ///< the window closes
+        NothingToReceive = 2 ///< said in a message box; the window closes
+    };
+
+    RunDriver(sync::Run& run, ReceiveView& view) : run_(run), view_(view) {}
+
+    Result receive();
+
+private:
+    bool collect();
+    bool receiveMenu();
+    Result execute();
+    bool fail(const char* text);
+
+    sync::Run& run_;
+    ReceiveView& view_;
+};
+
+} // namespace quillet::app

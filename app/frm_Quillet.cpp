@@ -1,0 +1,226 @@
+#include "app/frm_Quillet.h"
+
+#include "app/ConnectionStrings.h"
+#include "app/PlaceWindow.h"
+#include "db/DB_Control.h"
+#include "db/Paths.h"
+#include "sync/UpdateStamps.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTimer>
+#include <QWindow>
+
+namespace quillet::app {
+
+namespace {
+
+constexpr const char* HeadOfficeApplication = "HALDREN";
+constexpr const char* StoreApplication = "외식업";
+
+constexpr QSize WindowSize(760, 520);
+constexpr std::int16_t Centred = 3;
+
+bool isBlank(const std::string& text) {
+    return text.find_first_not_of(' ') == std::string::npos;
+}
+
+/// Line ends as message boxes know them.
+QString lines(const std::string& text) {
+    QString result = QString::fromStdString(text);
+    result.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    result.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return result;
+}
+
+} // namespace
+
+frm_Quillet::frm_Quillet(WindowSurroundings surroundings)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint),
+      surroundings_(std::move(surroundings)),
+      controls_(*this, QString::fromStdString(surroundings_.version)) {
+    setWindowTitle(QStringLiteral("기초자료 수신 - Quillet"));
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    connect(controls_.Cmd1[0], &QPushButton::clicked, this, &frm_Quillet::startButton);
+    connect(controls_.Cmd1[1], &QPushButton::clicked, this, &QWidget::close);
+    Form_Load();
+}
+
+frm_Quillet::~frm_Quillet() {
+    setHourglass(false);
+}
+
+void frm_Quillet::Form_Load() {
+    Label3(0).SetCaption("0");
+    Label3(1).SetCaption("0");
+    controls_.display.refresh();
+    composeServerConnection();
+    setFixedSize(WindowSize);
+    PlaceWindow(*this, Centred, true);
+}
+
+void frm_Quillet::Form_Activate() {
+    if (activated_ || activating_)
+        return;
+    activating_ = true; // a message box activates the window again when it closes
+    bool opened = false;
+    openStoreDatabase(opened);
+    if (opened) {
+        run_ = std::make_unique<sync::Run>(
+            *db::DB_Control::StoreConnection, surroundings_.settings,
+            db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock);
+        readHeadOffice();
+        QCoreApplication::processEvents(); // so that the window paints
+        sync::ReadStamps(*run_);
+        runDriver();
+        activated_ = true;
+    }
+    activating_ = false;
+}
+
+void frm_Quillet::Form_QueryUnload() {
+    run_.reset();
+}
+
+void frm_Quillet::openStoreDatabase(bool& opened) {
+    opened = false;
+    try {
+        std::string folder = surroundings_.settings.GetSetting(StoreApplication, "LOCATION", "ID");
+        if (folder.empty())
+            folder = db::textOf(surroundings_.programFolder);
+        db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
+            db::DailyLog(surroundings_.programFolder, surroundings_.clock), [this] {
+                controls_.display.yield();
+                if (surroundings_.afterStatement)
+                    surroundings_.afterStatement();
+            });
+        db::DB_Control::StoreConnection->DBOpen(storeConnectionString(folder));
+        // A failed open deliberately counts as opened: the run then fails on its first store
+        // statement, in the window's own words.
+        opened = true;
+    } catch (const std::exception& failure) {
+        QMessageBox::critical(this, QGuiApplication::applicationDisplayName(),
+                              lines(failure.what()));
+    }
+}
+
+void frm_Quillet::composeServerConnection() {
+    const auto setting = [this](const char* key) {
+        return surroundings_.settings.GetSetting(HeadOfficeApplication, "Settings", key);
+    };
+    serverConnectionString_ =
+        serverConnectionString(setting("DB서버"), setting("DBName"), setting("DBUser"));
+}
+
+void frm_Quillet::readHeadOffice() {
+    sync::Settings& settings = surroundings_.settings;
+    const auto setting = [&](const char* key) {
+        return settings.GetSetting(HeadOfficeApplication, "Settings", key);
+    };
+    sync::HeadOffice& headOffice = run_->headOffice;
+    headOffice.connectionString = serverConnectionString_;
+    headOffice.serverAddress = setting("1차서버");
+    if (isBlank(headOffice.serverAddress)) {
+        headOffice.serverAddress = setting("2차서버");
+        settings.SaveSetting(HeadOfficeApplication, "Settings", "1차서버",
+                             headOffice.serverAddress);
+    }
+    headOffice.remoteObjectName = setting("개체명");
+    headOffice.storeCode = setting("가맹점");
+    if (isBlank(headOffice.storeCode))
+        headOffice.storeCode = "1000"; // not saved
+}
+
+void frm_Quillet::startButton() {
+    const sync::Ticks ticked = ticks();
+    // Settings and account titles deliberately do not count here.
+    if (!ticked[0] && !ticked[1] && !ticked[2]) {
+        inform("기초자료 수신 정보를 선택하세요", "기초자료 선택");
+        return;
+    }
+    if (run_ != nullptr)
+        runDriver();
+    else
+        Form_Activate();
+}
+
+void frm_Quillet::runDriver() {
+    if (running_)
+        return;
+    running_ = true;
+    for (QPushButton* button : controls_.Cmd1)
+        button->setEnabled(false);
+    const RunDriver::Result result = RunDriver(*run_, *this).receive();
+    controls_.display.refresh();
+    running_ = false;
+    for (QPushButton* button : controls_.Cmd1)
+        button->setEnabled(true);
+    if (result != RunDriver::Result::Failed || closeWanted_)
+        close();
+}
+
+sync::Ticks frm_Quillet::ticks() const {
+    sync::Ticks result{};
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i] = controls_.Check1[i]->isChecked();
+    return result;
+}
+
+void frm_Quillet::setHourglass(bool on) {
+    if (on == hourglass_)
+        return;
+    hourglass_ = on;
+    if (on)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
+}
+
+void frm_Quillet::inform(const std::string& text, const std::string& title) {
+    controls_.display.refresh();
+    QMessageBox::information(this, QString::fromStdString(title), lines(text));
+}
+
+bool frm_Quillet::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::WindowActivate && isVisible())
+        QTimer::singleShot(0, this, &frm_Quillet::Form_Activate);
+    return handled;
+}
+
+void frm_Quillet::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    // Not every desktop lets a new window come to the front; the receive must not wait for it.
+    QTimer::singleShot(0, this, &frm_Quillet::Form_Activate);
+}
+
+void frm_Quillet::closeEvent(QCloseEvent* event) {
+    if (running_) {
+        closeWanted_ = true;
+        event->ignore();
+        return;
+    }
+    Form_QueryUnload();
+    event->accept();
+}
+
+void frm_Quillet::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPainterPath edge;
+    edge.addRoundedRect(QRectF(rect()).adjusted(4, 4, -2, -2), 9, 9);
+    painter.setPen(QPen(palette().color(QPalette::Mid), 2));
+    painter.drawPath(edge);
+}
+
+void frm_Quillet::mousePressEvent(QMouseEvent* event) {
+    // Without a frame, the window is moved by its free space.
+    if (event->button() == Qt::LeftButton && windowHandle() != nullptr)
+        windowHandle()->startSystemMove();
+}
+
+} // namespace quillet::app

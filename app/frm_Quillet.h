@@ -1,0 +1,77 @@
+#pragma once
+
+#include "app/ReceiveView.h"
+#include "app/RunDriver.h"
+#include "app/WindowControls.h"
+#include "db/Clock.h"
+#include "sync/Run.h"
+#include "sync/Settings.h"
+
+#include <QWidget>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quillet::app {
+
+/// What the window needs from outside.
+struct WindowSurroundings {
+    sync::Settings& settings;
+    std::filesystem::path programFolder; ///< holds the logs and, by default, `food.MDB`
+    std::string version;                 ///< major.minor.revision
+    db::Clock clock = db::localNow;
+    std::function<void()> afterStatement; ///< called at each yield of a batch; may be empty
+};
+
+/// The main window: brings itself up, opens the store, and receives at its first activation as if
+/// the start button had been pressed.
+///
+/// Everything runs on the window's thread. Closing it during a run takes effect when the run has
+/// ended, so that a transaction is never torn.
+class frm_Quillet : public QWidget, private ReceiveView {
+    Q_OBJECT
+
+public:
+    explicit frm_Quillet(WindowSurroundings surroundings);
+    ~frm_Quillet() override;
+
+protected:
+    bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void Form_Load();
+    void Form_Activate();
+    void Form_QueryUnload();
+    void startButton();
+    void runDriver();
+    void openStoreDatabase(bool& opened);
+    void composeServerConnection();
+    void readHeadOffice();
+
+    // ReceiveView
+    sync::Ticks ticks() const override;
+    db::ProgressBar& PBar1(std::size_t index) override { return *controls_.bars[index]; }
+    db::Label& Label3(std::size_t index) override { return *controls_.counters[index]; }
+    db::Label& groupText() override { return *controls_.groupText; }
+    db::Label& lbl_MSG() override { return *controls_.message; }
+    void setHourglass(bool on) override;
+    void inform(const std::string& text, const std::string& title) override;
+
+    WindowSurroundings surroundings_;
+    WindowControls controls_;
+    std::unique_ptr<sync::Run> run_;
+    std::string serverConnectionString_;
+    bool activating_ = false;
+    bool activated_ = false;
+    bool running_ = false;
+    bool closeWanted_ = false;
+    bool hourglass_ = false;
+};
+
+} // namespace quillet::app
