@@ -1,0 +1,293 @@
+// Whole receives as a person sees them: MariaDB, HTTP, window, store file.
+
+#include "db/Paths.h"
+#include "tests/support/Counter.h"
+#include "tests/support/TestHeadOffice.h"
+
+#include <QCloseEvent>
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+namespace quillet {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::StartsWith;
+using tests::Counter;
+using tests::TestHeadOffice;
+
+constexpr const char* StampPattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}";
+
+class ReceiveTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!TestHeadOffice::isAvailable())
+            GTEST_SKIP() << "no head office database (scripts/test starts one)";
+        headOffice_ = std::make_unique<TestHeadOffice>();
+        counter_.use(*headOffice_);
+    }
+
+    /// A category of the head office; kind and shown flag as SQL literals.
+    void category(const std::string& id, const std::string& name, const std::string& shown,
+                  const std::string& kind, int level = 1) {
+        headOffice_->sql("INSERT INTO KIND (KD_ID,KD_NAME,KD_ORDER,KD_CKSD,KD_CKGU,KD_LVL) VALUES "
+                         "('" +
+                         id + "','" + name + "',9," + shown + "," + kind + "," +
+                         std::to_string(level) + ")");
+    }
+
+    std::vector<std::string> kinds() const {
+        return counter_.rows("SELECT KIND_CODE,KIND_NAME,KIND_ORDER,KIND_VISIBLE FROM KIND "
+                             "ORDER BY KIND_CODE");
+    }
+
+    /// A store that has been received before.
+    void receivedBefore() {
+        counter_.store("INSERT INTO UPD VALUES ('2026-01-01 00:00:00','','','','')");
+    }
+
+    std::unique_ptr<TestHeadOffice> headOffice_;
+    Counter counter_;
+};
+
+TEST_F(ReceiveTest, FirstReceiveFillsTheStoreAndClosesTheWindow) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    category("102000000000000", "면류", "'Y'", "NULL");    // no kind counts as either
+    category("103000000000000", "숨김", "'N'", "'A402'");  // hidden and new: not created
+    category("104000000000000", "미정", "NULL", "'A402'"); // no flag: hidden in this half
+    category("201000000000000", "음료", "NULL", "'A420'"); // no flag: shown in this half
+    category("202000000000000", "소분류", "'Y'", "'A420'", 2);
+    category("999000000000000", "기타", "'Y'", "'A420'");
+    counter_.store("INSERT INTO KIND VALUES ('0777','옛 분류',5,0);"
+                   "INSERT INTO PR (PR_CODE) VALUES ('P1');"
+                   "INSERT INTO PROP VALUES ('O1','곱빼기')");
+
+    counter_.start();
+
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(kinds(),
+                ElementsAre("0101|밥류|1|0", "0102|면류|2|0", "0102|면류|3|0", "0201|음료|4|0"))
+        << "the old menu is gone, new categories are numbered as they came";
+    EXPECT_THAT(counter_.rows("SELECT * FROM PR"), IsEmpty());
+    EXPECT_THAT(counter_.rows("SELECT * FROM PROP"), ElementsAre("O1|곱빼기"));
+    const auto stamps = counter_.rows("SELECT UPD_PR FROM UPD WHERE UPD_PR = UPD_CT AND "
+                                      "UPD_PR = UPD_USR AND UPD_PR = UPD_BAS AND UPD_PR = UPD_FN");
+    ASSERT_EQ(stamps.size(), 1U);
+    EXPECT_THAT(stamps[0], testing::ContainsRegex(StampPattern));
+    EXPECT_EQ(counter_.downloadLog(), "no file");
+    EXPECT_EQ(counter_.dailyLog(), "no folder");
+    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
+    EXPECT_EQ(counter_.text("Label3(0)"), "5") << "four categories and the stamps";
+    EXPECT_EQ(counter_.text("Label2(5)"), "품목 정보 수신 중");
+    EXPECT_EQ(counter_.text("Label3(1)"), "4") << "the last statement moves nothing";
+}
+
+TEST_F(ReceiveTest, LaterReceiveUpdatesAndAppendsButDeletesNothing) {
+    category("101000000000000", "밥과 죽", "'Y'", "'A402'");
+    category("102000000000000", "안보임", "'N'", "'A402'");
+    category("103000000000000", "찌개", "'Y'", "'A402'");
+    category("10a000000000000", "소문자", "'Y'", "'A402'");
+    receivedBefore();
+    counter_.store("INSERT INTO KIND VALUES ('0101','밥류',7,1),('0102','보임',3,0),"
+                   "('0777','옛 분류',12,0),('010A','대문자',1,0);"
+                   "INSERT INTO PR (PR_CODE) VALUES ('P1')");
+
+    counter_.start();
+
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(kinds(), ElementsAre("0101|밥과 죽|7|1", "0102|안보임|3|0", "0103|찌개|13|0",
+                                     "010A|소문자|1|0", "0777|옛 분류|12|0"));
+    EXPECT_THAT(counter_.rows("SELECT PR_CODE FROM PR"), ElementsAre("P1"));
+    EXPECT_THAT(counter_.rows("SELECT COUNT(*) FROM UPD WHERE UPD_PR > '2026-01-01 00:00:00' AND "
+                              "UPD_PR = UPD_FN"),
+                ElementsAre("1"));
+}
+
+TEST_F(ReceiveTest, AQuoteInATextRollsTheWholeRunBack) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    category("102000000000000", "할매''s -- 국수", "'Y'", "'A402'");
+    receivedBefore();
+    counter_.store("INSERT INTO KIND VALUES ('0101','옛 이름',1,0),('0102','옛 국수',2,0)");
+
+    counter_.start();
+
+    EXPECT_TRUE(counter_.isWindowOpen());
+    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다");
+    EXPECT_TRUE(counter_.isEnabled("Cmd1(0)"));
+    EXPECT_TRUE(counter_.isEnabled("Cmd1(1)"));
+    EXPECT_THAT(kinds(), ElementsAre("0101|옛 이름|1|0", "0102|옛 국수|2|0"));
+    EXPECT_THAT(counter_.rows("SELECT UPD_PR FROM UPD"), ElementsAre("2026-01-01 00:00:00"));
+    EXPECT_THAT(counter_.dailyLog(),
+                HasSubstr("\r\n수신에러\r\n UPDATE KIND SET KIND_NAME = '할매's -- 국수' WHERE "
+                          "KIND_CODE = '0102' \r\n"));
+
+    // The head office mends the name; the operator presses the button.
+    headOffice_->sql("UPDATE KIND SET KD_NAME = '할매 국수' WHERE KD_ID = '102000000000000'");
+    counter_.click("Cmd1(0)");
+    counter_.waitForEndOfRun();
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(kinds(), ElementsAre("0101|밥류|1|0", "0102|할매 국수|2|0"));
+}
+
+TEST_F(ReceiveTest, APartlyTickedLaterRunFailsAsAWhole) {
+    headOffice_->sql("DROP TABLE KIND"); // so that the automatic run leaves the window open
+    receivedBefore();
+    counter_.start();
+    ASSERT_TRUE(counter_.isWindowOpen());
+    std::filesystem::remove_all(counter_.folder / "log");
+    headOffice_->sql("CREATE TABLE KIND (KD_ID CHAR(15), KD_NAME VARCHAR(40), KD_ORDER INT, "
+                     "KD_CKSD CHAR(1), KD_CKGU VARCHAR(4), KD_LVL INT)");
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    for (const std::size_t other : {1U, 2U, 3U, 4U})
+        counter_.tick(other, false);
+    counter_.click("Cmd1(0)");
+    counter_.waitForEndOfRun();
+
+    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다");
+    EXPECT_THAT(counter_.dailyLog(),
+                testing::ContainsRegex(" UPDATE UPD SET  UPD_PR = '[-0-9: ]*' ,,,,\r\n"));
+    EXPECT_THAT(kinds(), IsEmpty());
+}
+
+TEST_F(ReceiveTest, TheSelectionMessageLooksAtThreeBoxesOnly) {
+    counter_.settings.SaveSetting("HALDREN", "Settings", "개체명", "no.such");
+    counter_.start();
+    ASSERT_TRUE(counter_.isWindowOpen());
+    counter_.answerMessageBoxes();
+    for (const std::size_t box : {0U, 1U, 2U})
+        counter_.tick(box, false);
+    counter_.click("Cmd1(0)");
+    EXPECT_THAT(counter_.messageBoxes,
+                ElementsAre("기초자료 선택: 기초자료 수신 정보를 선택하세요"));
+    EXPECT_TRUE(counter_.isEnabled("Cmd1(0)"));
+    counter_.click("Cmd1(1)");
+    EXPECT_FALSE(counter_.isWindowOpen());
+}
+
+TEST_F(ReceiveTest, ServerFailuresAreTheGroupsAndWriteNothing) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    receivedBefore();
+    const auto fails = [&](const std::string& why) {
+        std::filesystem::remove_all(counter_.folder / "log");
+        std::filesystem::create_directory(counter_.folder / "log");
+        counter_.start();
+        EXPECT_TRUE(counter_.isWindowOpen()) << why;
+        EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다") << why;
+        EXPECT_TRUE(counter_.isEnabled("Cmd1(0)")) << why;
+        EXPECT_THAT(kinds(), IsEmpty()) << why;
+        EXPECT_EQ(counter_.dailyLog(), "no folder") << why;
+        return counter_.downloadLog();
+    };
+    const auto set = [&](const char* key, const std::string& value) {
+        counter_.settings.SaveSetting("HALDREN", "Settings", key, value);
+    };
+    const auto log = [](const std::string& number, const std::string& text) {
+        return testing::AllOf(StartsWith("품목분류 자료수신\r\n\r\n" + number + "\r\n"),
+                              HasSubstr(text));
+    };
+
+    set("개체명", "no.such");
+    EXPECT_THAT(fails("unknown object"), log("-2147024809", ""));
+    set("개체명", "");
+    EXPECT_THAT(fails("no object name"), log("429", "create object"));
+    set("개체명", "quorin.data");
+    set("DBName", "quillet_test_nowhere");
+    EXPECT_THAT(fails("no such database"), log("-2147217900", "quillet_test_nowhere"));
+    set("DBName", headOffice_->databaseName());
+    set("1차서버", "127.0.0.1:1");
+    EXPECT_THAT(fails("nobody answers"), log("462", "127.0.0.1:1"));
+    set("1차서버", headOffice_->address());
+    headOffice_->sql("DROP TABLE KIND");
+    EXPECT_THAT(fails("no such table"), log("-2147217865", "KIND"));
+
+    std::filesystem::remove_all(counter_.folder / "log");
+    counter_.start();
+    EXPECT_EQ(counter_.downloadLog(), "no folder") << "it is not created";
+}
+
+TEST_F(ReceiveTest, AStoreThatCannotBeUsedSaysWhy) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    const std::string bytes = tests::readFile(counter_.folder / "food.MDB");
+    const auto fails = [&] {
+        counter_.start();
+        EXPECT_TRUE(counter_.isWindowOpen());
+        EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다");
+        const std::string log = counter_.downloadLog();
+        std::filesystem::remove_all(counter_.folder / "log");
+        std::filesystem::create_directory(counter_.folder / "log");
+        return log;
+    };
+    std::filesystem::remove(counter_.folder / "food.MDB");
+    EXPECT_THAT(fails(), testing::AllOf(HasSubstr("\r\n3704\r\n"), HasSubstr("food.MDB")));
+    EXPECT_FALSE(std::filesystem::exists(counter_.folder / "food.MDB"));
+
+    tests::writeFile(counter_.folder / "food.MDB", std::string(8192, 'x'));
+    EXPECT_THAT(fails(), testing::AllOf(HasSubstr("food.MDB"), HasSubstr("not a database")));
+
+    tests::writeFile(counter_.folder / "food.MDB",
+                     std::string("\0\1\0\0Standard Jet DB\0", 20) + std::string(4096, '\0'));
+    EXPECT_THAT(fails(), testing::AllOf(HasSubstr("food.MDB"), HasSubstr("Access")));
+
+    tests::writeFile(counter_.folder / "food.MDB", bytes);
+    receivedBefore();
+    sqlite3* pointOfSale = nullptr;
+    sqlite3_open(counter_.storeFile().c_str(), &pointOfSale);
+    sqlite3_exec(pointOfSale, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    counter_.start();
+    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다") << "locked by someone else";
+    EXPECT_THAT(counter_.dailyLog(), HasSubstr("locked"));
+    sqlite3_close(pointOfSale);
+    counter_.click("Cmd1(0)");
+    counter_.waitForEndOfRun();
+    EXPECT_THAT(kinds(), ElementsAre("0101|밥류|1|0"));
+}
+
+TEST_F(ReceiveTest, ClosingDuringARunWaitsForItsEnd) {
+    for (int i = 100; i < 140; ++i)
+        category(std::to_string(i) + "000000000000", "분류", "'Y'", "'A402'");
+    int statements = 0;
+    bool wasOpen = false;
+    counter_.afterStatement = [&] {
+        if (++statements == 5) {
+            counter_.window->close();
+            counter_.click("Cmd1(0)"); // disabled: no second run inside the first
+            wasOpen = counter_.isWindowOpen();
+        }
+    };
+    counter_.start();
+    EXPECT_TRUE(wasOpen);
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_EQ(statements, 40) << "41 statements, a yield after each but the last";
+    EXPECT_THAT(counter_.rows("SELECT COUNT(*) FROM KIND"), ElementsAre("40"));
+}
+
+TEST_F(ReceiveTest, StartUpReadsTheSettingsInItsWay) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    const std::string elsewhere = db::textOf(counter_.folder / "포스");
+    std::filesystem::create_directory(counter_.folder / "포스");
+    std::filesystem::rename(counter_.folder / "food.MDB", counter_.folder / "포스/food.MDB");
+    counter_.settings.SaveSetting("외식업", "LOCATION", "ID", elsewhere);
+    counter_.settings.SaveSetting("HALDREN", "Settings", "1차서버", "   ");
+    counter_.settings.SaveSetting("HALDREN", "Settings", "2차서버", headOffice_->address());
+
+    counter_.start();
+
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_EQ(counter_.settings.GetSetting("HALDREN", "Settings", "1차서버"),
+              headOffice_->address());
+    std::filesystem::rename(counter_.folder / "포스/food.MDB", counter_.folder / "food.MDB");
+    EXPECT_THAT(kinds(), ElementsAre("0101|밥류|1|0"));
+    // Coming to the front again runs nothing.
+    QEvent activation(QEvent::WindowActivate);
+    counter_.window->show();
+    QCoreApplication::sendEvent(counter_.window.get(), &activation);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(counter_.isWindowOpen());
+    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
+}
+
+} // namespace
+} // namespace quillet

@@ -1,0 +1,52 @@
+#include "headoffice/RequestLog.h"
+
+#include "db/Error.h"
+#include "headoffice/Options.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+
+namespace {
+
+using namespace quillet;
+
+TEST(RequestLog, WritesOneLineWithoutPasswords) {
+    std::ostringstream out;
+    headoffice::RequestLog log(out, [] { return db::DateTime{2024, 5, 1, 9, 8, 7, 0}; });
+    rds::CallRecord record;
+    record.peer = "127.0.0.1:50012";
+    record.target = "quorin.data.Getsql";
+    record.summary = "12 rows";
+    record.elapsed = std::chrono::milliseconds(3);
+    record.bytes = 4567;
+    log.write(record);
+    record.summary.clear();
+    record.error = "error 1: bad\r\nPWD=x;uid=y";
+    log.write(record);
+    EXPECT_EQ(out.str(),
+              "2024-05-01 09:08:07 127.0.0.1:50012 quorin.data.Getsql 12 rows, 3 ms, 4567 bytes\n"
+              "2024-05-01 09:08:07 127.0.0.1:50012 quorin.data.Getsql "
+              "error 1: bad  PWD=***;uid=y, 3 ms, 4567 bytes\n");
+
+    EXPECT_EQ(headoffice::withoutSecrets("a;pwd={p;}}q};b;Password=r"), "a;pwd=***;b;Password=***");
+    EXPECT_EQ(headoffice::withoutSecrets("PWD={open;b"), "PWD=***");
+}
+
+TEST(Options, ReadsTheCommandLine) {
+    const auto options = headoffice::parseOptions(
+        {"--listen", "[::1]:0", "--object", "a.b", "--return-arguments", "--port-file", "p"});
+    EXPECT_EQ(options.address, "::1");
+    EXPECT_EQ(options.port, 0);
+    EXPECT_EQ(options.queryObject, "a.b");
+    EXPECT_TRUE(options.returnArguments);
+    EXPECT_EQ(options.portFile, "p");
+    EXPECT_EQ(headoffice::parseOptions({"--listen", "localhost:65535"}).port, 65535);
+    for (const char* listen : {"8080", ":8080", "host:", "host:65536", "host:x", "::1:80"})
+        EXPECT_THROW(headoffice::parseOptions({"--listen", listen}), db::Error) << listen;
+    EXPECT_THROW(headoffice::parseOptions({"--listen"}), db::Error);
+    EXPECT_THROW(headoffice::parseOptions({"--wrong"}), db::Error);
+}
+
+} // namespace

@@ -1,0 +1,159 @@
+#include "rds/HttpClient.h"
+
+#include "db/Error.h"
+#include "tests/support/ScriptedServer.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace quillet;
+using namespace std::chrono_literals;
+using quillet::test::ScriptedServer;
+using quillet::test::sendRaw;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+constexpr const char* Path = "/msadc/msadcs.dll/some.object.Getsql";
+
+rds::HttpClient impatientClient() {
+    return rds::HttpClient({2s, 1s});
+}
+
+/// The description of the error 462 that a call must end with.
+std::string failureOf(const std::string& server) {
+    try {
+        impatientClient().post(server, Path, "body");
+    } catch (const db::Error& error) {
+        EXPECT_EQ(error.Number(), 462);
+        return error.Description();
+    }
+    return "no error";
+}
+
+TEST(HttpClient, SendsThePublishedHeads) {
+    EXPECT_EQ(rds::HttpClient::requestHead("bradrhod1",
+                                           "/msadc/msadcs.dll/AdvancedDataFactory.Execute", 827),
+              "POST /msadc/msadcs.dll/AdvancedDataFactory.Execute HTTP/1.1\r\n"
+              "User-Agent: ACTIVEDATA\r\n"
+              "Host: bradrhod1\r\n"
+              "Content-Length: 827\r\n"
+              "Connection: Keep-Alive\r\n"
+              "Cache-Control: no-cache\r\n"
+              "\r\n");
+    EXPECT_EQ(rds::HttpClient::requestHead("server.example", Path, 260).size(), 170U);
+    EXPECT_EQ(
+        rds::HttpClient::requestHead("server.example", "/msadc/msadcs.dll/some.object.Ping", 126)
+            .size(),
+        168U);
+
+    ScriptedServer server("body", "HTTP/1.1 200 OK\r\n\r\n");
+    rds::HttpClient().post(server.address(), Path, "the body");
+    EXPECT_EQ(server.received(),
+              rds::HttpClient::requestHead(server.address(), Path, 8) + "the body");
+}
+
+TEST(HttpClient, ReadsEveryFormOfReply) {
+    const std::vector<std::pair<std::string, std::string>> replies{
+        {"length", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"},
+        {"bytes behind the length", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhelloworld"},
+        {"close", "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nhello"},
+        {"old version", "HTTP/1.0 200 Fine\r\n\r\nhello"},
+        {"chunks", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                   "2;note=1\r\nhe\r\n3\r\nllo\r\n0\r\nTrailer: 1\r\n\r\n"},
+        {"interim replies", "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 100 Continue\r\nA: b\r\n\r\n"
+                            "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"}};
+    for (const auto& [form, reply] : replies) {
+        SCOPED_TRACE(form);
+        ScriptedServer atOnce("body", reply);
+        EXPECT_EQ(impatientClient().post(atOnce.address(), Path, "body"), "hello");
+        ScriptedServer byteByByte([&](test::tcp::socket& socket) {
+            test::receiveUntil(socket, "body");
+            socket.set_option(test::tcp::no_delay(true));
+            for (const char c : reply) {
+                sendRaw(socket, std::string_view(&c, 1));
+                std::this_thread::sleep_for(1ms);
+            }
+        });
+        EXPECT_EQ(impatientClient().post(byteByByte.address(), Path, "body"), "hello");
+    }
+}
+
+TEST(HttpClient, ReadsLargeReplies) {
+    std::string large(20'000'000, '\0');
+    for (std::size_t i = 0; i < large.size(); ++i)
+        large[i] = static_cast<char>(i * 31 + i / 4096);
+    ScriptedServer server("body", "HTTP/1.1 200 OK\r\n\r\n" + large);
+    EXPECT_TRUE(rds::HttpClient().post(server.address(), Path, "body") == large);
+}
+
+TEST(HttpClient, RefusesCutAndWrongReplies) {
+    const std::vector<std::pair<std::string, std::string>> replies{
+        {"HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nhello", "cut short"},
+        {"HTTP/1.1 200 OK\r\nContent-Length: 999999999999\r\n\r\nhello", "too large"},
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n", "cut short"},
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nx\r\nhello\r\n", "not HTTP"},
+        {"HTTP/1.1 200 OK\r\nConten", "cut short"},
+        {"HTTP/1.1 100 Continue\r\n\r\n", "closed without a reply"},
+        {"HTTP/1.1 404 Object Not Found\r\n\r\n<html>", "404 Object Not Found"},
+        {"HTTP/1.1 302 Found\r\nLocation: http://elsewhere/\r\n\r\n", "302 Found"},
+        {"HTTP/1.1 200 OK\r\nLarge: " + std::string(100'000, 'x') + "\r\n\r\n", "not HTTP"},
+        {"SSH-2.0-server\r\n", "not HTTP"},
+        {"", "closed without a reply"}};
+    for (const auto& [reply, reason] : replies) {
+        SCOPED_TRACE(reply.substr(0, 80));
+        ScriptedServer server("body", reply);
+        EXPECT_THAT(failureOf(server.address()),
+                    AllOf(HasSubstr(server.address()), HasSubstr(reason)));
+    }
+}
+
+TEST(HttpClient, ReadsTheReplyOfAServerThatDoesNotWantTheBody) {
+    ScriptedServer server([](test::tcp::socket& socket) {
+        test::receiveRaw(socket, 1);
+        sendRaw(socket, "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
+        test::receiveRaw(socket);
+    });
+    EXPECT_THAT(failureOf(server.address()), HasSubstr("403 Forbidden"));
+}
+
+TEST(HttpClient, NamesWhatKeepsItFromTheServer) {
+    std::string unused;
+    { unused = ScriptedServer("", "").address(); }
+    EXPECT_THAT(failureOf(unused), AllOf(HasSubstr(unused), HasSubstr("connection refused")));
+    EXPECT_THAT(failureOf("no-such-host.invalid"), HasSubstr("no-such-host.invalid"));
+    for (const char* wrong : {"", "host:", "host:0", "host:65536", "host:8x", "[::1", "[::1]80",
+                              "two words", "host/path", "line\r\nbreak"})
+        EXPECT_THAT(failureOf(wrong), HasSubstr("not a server address")) << wrong;
+
+    // Every address of a name is tried: "localhost" may be ::1 first.
+    ScriptedServer named("body", "HTTP/1.1 200 OK\r\n\r\nhello");
+    EXPECT_EQ(impatientClient().post("localhost:" + named.port(), Path, "body"), "hello");
+}
+
+TEST(HttpClient, WaitsForBytesNotForTheWhole) {
+    ScriptedServer silent([](test::tcp::socket& socket) {
+        sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\nhel");
+        test::receiveRaw(socket);
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(failureOf(silent.address()), HasSubstr("no answer in time"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 1900ms);
+
+    ScriptedServer slow([](test::tcp::socket& socket) {
+        test::receiveUntil(socket, "body");
+        sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\n");
+        for (int i = 0; i < 4; ++i) {
+            std::this_thread::sleep_for(400ms);
+            sendRaw(socket, "x");
+        }
+    });
+    EXPECT_EQ(impatientClient().post(slow.address(), Path, "body"), "xxxx");
+}
+
+} // namespace

@@ -1,0 +1,462 @@
+#include "db/Error.h"
+#include "rds/CellDecoder.h"
+#include "rds/CellEncoder.h"
+#include "rds/TablegramReader.h"
+#include "rds/TablegramWriter.h"
+#include "tests/support/Hex.h"
+#include "tests/support/RowsCursor.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace quillet;
+using namespace quillet::rds;
+using db::DataType;
+using db::Value;
+using quillet::test::bytes;
+using quillet::test::hex;
+using quillet::test::RowsCursor;
+
+constexpr std::uint32_t Fixed = columnflag::FixedLength;
+constexpr std::uint32_t Nulls = columnflag::Nullable;
+
+ColumnDescriptor column(DataType type, std::uint32_t maxLength, std::uint32_t flags,
+                        std::uint32_t precision = 0xFF, std::int32_t scale = 0xFF) {
+    ColumnDescriptor result;
+    result.name = "C";
+    result.type = type;
+    result.maxLength = maxLength;
+    result.flags = flags;
+    result.precision = precision;
+    result.scale = scale;
+    return result;
+}
+
+std::string written(const TablegramMetadata& metadata, std::vector<RowsCursor::Row> rows) {
+    std::string out;
+    TablegramWriter writer([&out](std::string_view piece) { out += piece; }, metadata);
+    RowsCursor cursor({}, std::move(rows));
+    while (cursor.next())
+        writer.writeRow(cursor);
+    writer.finish();
+    return out;
+}
+
+db::Recordset read(const std::string& tablegram) {
+    ByteReader in(tablegram);
+    db::Recordset recordset = readTablegram(in);
+    EXPECT_EQ(in.remaining(), 0U);
+    return recordset;
+}
+
+/// The cells of all rows, Null as "-".
+std::vector<std::string> cells(db::Recordset recordset) {
+    std::vector<std::string> result;
+    for (; !recordset.Eof(); recordset.MoveNext()) {
+        for (std::size_t i = 0; i < recordset.Fields().size(); ++i)
+            result.push_back(recordset.Item(i).isNull() ? "-" : recordset.Item(i).toText());
+    }
+    return result;
+}
+
+bool isRefused(const std::string& tablegram) {
+    try {
+        read(tablegram);
+    } catch (const db::Error& error) {
+        return error.Number() == db::number::Unspecified;
+    }
+    return false;
+}
+
+std::string cell(const ColumnDescriptor& descriptor, const Value& value) {
+    ByteWriter out;
+    CellEncoder(descriptor).encode(value, CodePage(949), out);
+    return out.take();
+}
+
+TEST(Tablegram, CellsHaveTheBytesThatServersWrite) {
+    struct Case {
+        ColumnDescriptor descriptor;
+        const char* text; ///< what is written, and what reading gives back
+        const char* wire;
+    };
+    const std::vector<Case> cases{
+        {column(DataType::SmallInt, 2, Fixed), "-32768", "0080"},
+        {column(DataType::Integer, 4, Fixed), "-2147483647", "01000080"},
+        {column(DataType::Single, 4, Fixed), "-1.5", "0000C0BF"},
+        {column(DataType::Double, 8, Fixed), "1.25", "000000000000F43F"},
+        {column(DataType::Currency, 8, Fixed), "-1.0001", "EFD8FFFFFFFFFFFF"},
+        {column(DataType::Currency, 8, Fixed), "-922337203685477.5808", "0000000000000080"},
+        {column(DataType::Boolean, 2, Fixed), "True", "FFFF"},
+        {column(DataType::Decimal, 16, Fixed, 18, 4), "-1.2345",
+         "0000 04 80 00000000 39300000 00000000"},
+        {column(DataType::Decimal, 16, Fixed, 28, 28), "0.9999999999999999999999999999",
+         "0000 1C 00 5ECE4F20 FFFFFF0F 6102253E"},
+        {column(DataType::TinyInt, 1, Fixed), "-128", "80"},
+        {column(DataType::UnsignedTinyInt, 1, Fixed), "255", "FF"},
+        {column(DataType::UnsignedSmallInt, 2, Fixed), "65535", "FFFF"},
+        {column(DataType::UnsignedInt, 4, Fixed), "4294967295", "FFFFFFFF"},
+        {column(DataType::BigInt, 8, Fixed), "-2147483649", "FFFFFF7FFFFFFFFF"},
+        {column(DataType::UnsignedBigInt, 8, Fixed), "9223372036854775808", "0000000000000080"},
+        {column(DataType::FileTime, 8, Fixed), "1999-12-31 23:59:58", "00133C24EB53BF01"},
+        {column(DataType::Guid, 16, Fixed), "{01234567-89AB-CDEF-0123-456789ABCDEF}",
+         "67452301 AB89 EFCD 0123 456789ABCDEF"},
+        {column(DataType::Binary, 8, Fixed), "12345678", "'12345678'"},
+        {column(DataType::Binary, 64, 0), "1234", "04 '1234'"},
+        {column(DataType::Char, 12, Fixed), "fixed", "'fixed       '"},
+        {column(DataType::Char, 120, 0), "한글", "04 C7D1B1DB"},
+        {column(DataType::Char, 256, 0), "한글", "04000000 C7D1B1DB"},
+        {column(DataType::Char, NoLimit, columnflag::Long), "", "00000000"},
+        {column(DataType::WChar, 120, 0), "한글", "04 5CD500AE"},
+        {column(DataType::WChar, 128, 0), "a", "02000000 u'a'"},
+        {column(DataType::WChar, 1073741823, columnflag::Long), "a", "02000000 u'a'"},
+        {column(DataType::WChar, 3, Fixed), "a", "u'a  '"},
+        {column(DataType::Numeric, 19, Fixed, 18, 4), "-1.2345",
+         "120400 39300000000000000000000000000000"},
+        {column(DataType::Numeric, 19, Fixed, 18, 4), "0",
+         "120401 00000000000000000000000000000000"},
+        {column(DataType::Numeric, 19, Fixed, 38, 0), "99999999999999999999999999999999999999",
+         "260001 FFFFFFFF3F228A097AC4865AA84C3B4B"},
+        {column(DataType::VarNumeric, 8, 0, 5, 0xFF), "1234.5", "05 05 01 01 3930"},
+        {column(DataType::DBDate, 6, Fixed), "1999-12-31", "CF070C001F00"},
+        {column(DataType::DBTime, 6, Fixed), "23:59:58", "17003B003A00"},
+        {column(DataType::DBTimeStamp, 16, Fixed), "1999-12-31 23:59:58",
+         "CF070C001F0017003B003A0000000000"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.text) + " as " + c.wire);
+        EXPECT_EQ(hex(cell(c.descriptor, Value::text(c.text))), hex(bytes(c.wire)));
+        const std::string wire = bytes(c.wire);
+        ByteReader in(wire);
+        db::Arena arena;
+        EXPECT_EQ(CellDecoder(c.descriptor).decode(in, CodePage(949), arena).toText(), c.text);
+        EXPECT_EQ(in.remaining(), 0U);
+    }
+}
+
+TEST(Tablegram, CellsThatServersWriteAreRead) {
+    struct Case {
+        ColumnDescriptor descriptor;
+        std::string wire;
+        std::string text;
+    };
+    const std::string wide = bytes("u'D'") + std::string(598, ' ');
+    const std::vector<Case> cases{
+        {column(DataType::Date, 8, Fixed), bytes("6F74CFFFBFD5E140"), "1999-12-31 23:59:58"},
+        {column(DataType::Date, 8, Fixed), bytes("0000000000000000"), "1899-12-30 00:00:00"},
+        // Fixed columns over 255 bytes, with the prefix and without.
+        {column(DataType::Char, 300, Fixed), bytes("2C010000") + std::string(300, 'D'),
+         std::string(300, 'D')},
+        {column(DataType::Char, 300, Fixed), std::string(300, 'D'), std::string(300, 'D')},
+        {column(DataType::Char, 6, Fixed), bytes("'ab' 00 'xyz'"), "ab"},
+        {column(DataType::Numeric, 19, Fixed), bytes("12FE01 05000000000000000000000000000000"),
+         "500"},
+        {column(DataType::VarNumeric, 8, 0), bytes("03 050001"), "0"},
+        {column(DataType::Variant, 16, Fixed), bytes("0300 AAAAAAAAAAAA 07000000 AAAAAAAA"), "7"},
+        {column(DataType::Variant, 16, Fixed), bytes("0E00 0180 00000000 0F000000 00000000"),
+         "-1.5"},
+        {column(DataType::Variant, 16, Fixed), bytes("0B00 AAAAAAAAAAAA FFFF AAAAAAAAAAAA"),
+         "True"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(hex(c.wire.substr(0, 20)));
+        ByteReader in(c.wire);
+        db::Arena arena;
+        EXPECT_EQ(CellDecoder(c.descriptor).decode(in, CodePage(949), arena).toText(), c.text);
+        EXPECT_EQ(in.remaining(), 0U);
+    }
+}
+
+TEST(Tablegram, ValuesAreConvertedToTheirColumnOrRefused) {
+    const ColumnDescriptor integer = column(DataType::Integer, 4, Fixed);
+    EXPECT_EQ(hex(cell(integer, Value::real(2.5))), "03000000");
+    EXPECT_EQ(hex(cell(integer, Value::decimal("-7.49"))), "F9FFFFFF");
+    EXPECT_EQ(hex(cell(integer, Value::integer(-2147483648LL))), "00000080");
+    EXPECT_EQ(hex(cell(column(DataType::Single, 4, Fixed), Value::integer(-1))), "000080BF");
+    EXPECT_EQ(hex(cell(column(DataType::Char, 20, 0), Value::real(0.1))), "03302E31");
+    EXPECT_EQ(hex(cell(column(DataType::Numeric, 19, Fixed, 9, 2), Value::real(0.125))),
+              "0902010D000000000000000000000000000000");
+    EXPECT_EQ(
+        hex(cell(column(DataType::Date, 8, Fixed), Value::dateTime({1899, 12, 29, 12, 0, 0, 0}))),
+        "000000000000F8BF");
+    EXPECT_EQ(hex(cell(column(DataType::Variant, 16, Fixed), Value::integer(-2))),
+              "1400000000000000FEFFFFFFFFFFFFFF");
+    // A text may be longer than declared as long as its length has room in the prefix.
+    EXPECT_EQ(cell(column(DataType::Char, 3, 0), Value::text("가나다")).size(), 7U);
+
+    const std::string longText(256, 'x');
+    const std::vector<std::pair<ColumnDescriptor, Value>> refused{
+        {integer, Value::integer(2147483648LL)},
+        {integer, Value::text("twelve")},
+        {integer, Value::text("")},
+        {integer, Value::date({2020, 1, 1, 0, 0, 0, 0})},
+        {column(DataType::UnsignedInt, 4, Fixed), Value::integer(-1)},
+        {column(DataType::BigInt, 8, Fixed), Value::unsignedInteger(1ULL << 63U)},
+        {column(DataType::Single, 4, Fixed), Value::real(1e300)},
+        {column(DataType::Currency, 8, Fixed), Value::decimal("922337203685477.5808")},
+        {column(DataType::Decimal, 16, Fixed, 28, 0),
+         Value::decimal("79228162514264337593543950336")},
+        {column(DataType::DBDate, 6, Fixed), Value::text("2020-13-01")},
+        {column(DataType::DBDate, 6, Fixed), Value::integer(20200101)},
+        {column(DataType::Date, 8, Fixed), Value::date({2021, 2, 29, 0, 0, 0, 0})},
+        {column(DataType::Guid, 16, Fixed), Value::text("{0123}")},
+        {column(DataType::Binary, 8, 0), Value::integer(1)},
+        {column(DataType::Variant, 16, Fixed), Value::text("a")},
+        {column(DataType::Char, 3, Fixed), Value::text("가나")},
+        {column(DataType::WChar, 2, Fixed), Value::text("abc")},
+        {column(DataType::Char, 20, 0), Value::text(longText)},
+    };
+    for (const auto& [descriptor, value] : refused)
+        EXPECT_THROW(cell(descriptor, value), db::Error)
+            << static_cast<int>(descriptor.type) << ' ' << value.toText();
+}
+
+TEST(Tablegram, EveryColumnTypeTravelsWithAndWithoutNull) {
+    const std::vector<std::pair<DataType, Value>> types{
+        {DataType::SmallInt, Value::integer(-3)},
+        {DataType::Integer, Value::integer(70000)},
+        {DataType::Single, Value::single(0.1F)},
+        {DataType::Double, Value::real(0.1)},
+        {DataType::Currency, Value::decimal("12.5")},
+        {DataType::Date, Value::dateTime({2001, 2, 3, 4, 5, 6, 0})},
+        {DataType::BStr, Value::text("문자열")},
+        {DataType::Boolean, Value::boolean(true)},
+        {DataType::Variant, Value::integer(9)},
+        {DataType::Decimal, Value::decimal("-0.001")},
+        {DataType::TinyInt, Value::integer(-8)},
+        {DataType::UnsignedTinyInt, Value::integer(200)},
+        {DataType::UnsignedSmallInt, Value::integer(60000)},
+        {DataType::UnsignedInt, Value::integer(4000000000LL)},
+        {DataType::BigInt, Value::integer(-5000000000LL)},
+        {DataType::UnsignedBigInt, Value::unsignedInteger(~0ULL)},
+        {DataType::FileTime, Value::dateTime({1601, 1, 2, 0, 0, 1, 0})},
+        {DataType::Guid, Value::guid("0123456789abcdef")},
+        {DataType::Binary, Value::binary(std::string_view("\0\xFF", 2))},
+        {DataType::Char, Value::text("값")},
+        {DataType::WChar, Value::text("넓은 값 😀")},
+        {DataType::Numeric, Value::decimal("123456789012345678901234567890.5")},
+        {DataType::DBDate, Value::date({2020, 2, 29, 0, 0, 0, 0})},
+        {DataType::DBTime, Value::time({0, 0, 0, 23, 59, 59, 0})},
+        {DataType::DBTimeStamp, Value::dateTime({2020, 2, 29, 1, 2, 3, 4})},
+        {DataType::VarNumeric, Value::decimal("1234.5")},
+    };
+    for (const bool nullable : {false, true}) {
+        db::FieldList fields;
+        RowsCursor::Row full, null;
+        for (const auto& [type, value] : types) {
+            db::Field field;
+            field.Name = "열" + std::to_string(fields.size());
+            field.Type = type;
+            field.DefinedSize = 40;
+            field.nullable = nullable;
+            fields.push_back(field);
+            full.push_back(value);
+            null.emplace_back();
+        }
+        std::vector<RowsCursor::Row> rows{full, full};
+        if (nullable)
+            rows[1] = null;
+        db::Recordset recordset = read(written(describe(fields), rows));
+        ASSERT_EQ(recordset.RecordCount(), 2);
+        for (std::size_t i = 0; i < full.size(); ++i) {
+            EXPECT_EQ(recordset.Fields()[i].Name, fields[i].Name);
+            EXPECT_EQ(recordset.Fields()[i].nullable, nullable);
+            EXPECT_EQ(recordset.Item(i).kind(), full[i].kind()) << i;
+            EXPECT_EQ(recordset.Item(i).toText(), full[i].toText()) << i;
+        }
+        recordset.MoveNext();
+        for (std::size_t i = 0; i < full.size(); ++i)
+            EXPECT_EQ(recordset.Item(i).isNull(), nullable) << i;
+    }
+}
+
+TEST(Tablegram, FieldsAreDescribedAsServersDoIt) {
+    const auto described = [](DataType type, std::uint32_t size, bool nullable, bool fixedLength,
+                              bool longValue) {
+        db::Field field;
+        field.Name = "F";
+        field.Type = type;
+        field.DefinedSize = size;
+        field.nullable = nullable;
+        field.fixedLength = fixedLength;
+        field.longValue = longValue;
+        const ColumnDescriptor result = describe({field}).columns[0];
+        return std::vector<std::uint32_t>{result.maxLength, result.precision, result.flags};
+    };
+    using Numbers = std::vector<std::uint32_t>;
+    EXPECT_EQ(described(DataType::Integer, 0, false, false, false), (Numbers{4, 10, 0x10}));
+    EXPECT_EQ(described(DataType::DBTimeStamp, 0, true, true, false), (Numbers{16, 23, 0x70}));
+    EXPECT_EQ(described(DataType::Char, 20, true, false, false), (Numbers{20, 255, 0x60}));
+    EXPECT_EQ(described(DataType::Char, 20, false, true, false), (Numbers{20, 255, 0x10}));
+    EXPECT_EQ(described(DataType::WChar, 9, true, true, true), (Numbers{9, 255, 0xE0}));
+    EXPECT_EQ(described(DataType::Binary, 0, true, false, false), (Numbers{NoLimit, 255, 0xE0}));
+    EXPECT_THROW(described(DataType::Error, 4, true, true, false), db::Error);
+    EXPECT_THROW(described(DataType::Chapter, 4, true, true, false), db::Error);
+}
+
+TEST(Tablegram, NullNeedsANullableColumn) {
+    TablegramMetadata metadata;
+    metadata.columns = {column(DataType::Integer, 4, Fixed)};
+    EXPECT_THROW(written(metadata, {{Value()}}), db::Error);
+}
+
+/// Two hidden columns around three visible ones: a key and a time stamp of the server.
+TablegramMetadata mixedMetadata() {
+    TablegramMetadata metadata;
+    metadata.columns = {column(DataType::Integer, 4, Fixed), column(DataType::WChar, 20, Nulls),
+                        column(DataType::Integer, 4, Fixed | columnflag::MayBeNull),
+                        column(DataType::Binary, 8, Fixed), column(DataType::Char, 5, Nulls)};
+    metadata.columns[3].visible = false;
+    metadata.columns[4].visible = false;
+    return metadata;
+}
+
+/// A tablegram of mixedMetadata() with rows spelled in hex.
+std::string mixedRows(const char* rows, std::uint32_t count = 0) {
+    TablegramMetadata metadata = mixedMetadata();
+    metadata.rowCount = count;
+    std::string result = written(metadata, {});
+    result.pop_back();
+    return result + bytes(rows) + '\x0F';
+}
+
+TEST(Tablegram, PendingChangesAreTakenAsMade) {
+    using ::testing::ElementsAre;
+    const char* const original = "07 FF 01000000 02 u'a' 05000000 '12345678' 00";
+    const auto rows = [&](const std::string& more) {
+        return cells(read(mixedRows((original + more).c_str())));
+    };
+    EXPECT_THAT(rows(""), ElementsAre("1", "a", "5"));
+    EXPECT_THAT(rows("0C"), ElementsAre());
+    EXPECT_THAT(rows("0A 40 20 02 u'b'"), ElementsAre("1", "b", "-"));
+    EXPECT_THAT(rows("0A 60 60"), ElementsAre("1", "-", "-")) << "both bits are Null too";
+    EXPECT_THAT(rows("0A 10 00 '87654321' 07 1F 02000000 '12345678'"),
+                ElementsAre("1", "a", "5", "2", "-", "-"));
+    EXPECT_THAT(rows("0D D8 20 03000000 02 u'c' '12345678' 01 'x'"),
+                ElementsAre("1", "a", "5", "3", "c", "-"));
+    EXPECT_THAT(rows("0C 07 FF 04000000 00 07000000 '12345678' 00 0D 80 00 09000000"),
+                ElementsAre("4", "", "7", "9", "-", "-"));
+    EXPECT_EQ(read(mixedRows(original)).Fields().size(), 3U) << "hidden columns are left out";
+    EXPECT_TRUE(read(mixedRows("")).Eof());
+
+    for (const char* wrong : {"0A 00 00", "0C", "0D 80 00 09000000 0C", "87 00000000", "06", "00"})
+        EXPECT_TRUE(isRefused(mixedRows(wrong))) << wrong;
+    EXPECT_TRUE(isRefused(mixedRows((std::string(original) + "0C 0C").c_str())));
+    EXPECT_TRUE(isRefused(mixedRows("07 FF 01000000 01 'a' 05000000 '12345678' 00")))
+        << "half a wide character";
+}
+
+TEST(Tablegram, TheRowCountIsTrustedOnlyAsACheck) {
+    const char* const rows = "07 1F 01000000 '12345678' 07 1F 02000000 '12345678' 0C";
+    EXPECT_EQ(read(mixedRows(rows, 1)).RecordCount(), 1);
+    EXPECT_EQ(read(mixedRows(rows, 0)).RecordCount(), 1);
+    EXPECT_TRUE(isRefused(mixedRows(rows, 2)));
+    EXPECT_TRUE(isRefused(mixedRows("", 1)));
+}
+
+TEST(Tablegram, OtherKindsOfTablegramAreRefused) {
+    const std::string plain = mixedRows("");
+    const auto patched = [&](std::size_t at, char value) {
+        std::string result = plain;
+        result[at] = value;
+        return result;
+    };
+    EXPECT_FALSE(isRefused(plain));
+    for (std::size_t at = 0; at < 9; ++at)
+        EXPECT_TRUE(isRefused(patched(at, '\x03'))) << at;
+
+    const std::vector<ColumnDescriptor> unreadable{
+        column(DataType::Chapter, 4, Fixed),
+        column(DataType::Integer, 4, Fixed | columnflag::Chapter),
+        column(DataType::Error, 4, Fixed),
+        column(static_cast<DataType>(0x2003), 4, 0),
+        column(DataType::Empty, 0, Fixed),
+        column(DataType::Char, 0, Fixed),
+        column(DataType::Char, 20, Fixed | columnflag::Long),
+    };
+    TablegramMetadata metadata;
+    metadata.columns = {column(DataType::Integer, 4, Fixed)};
+    const std::string one = written(metadata, {});
+    const std::string descriptor = bytes("0300 04000000 FF000000 FF000000 10000000 0000FFFF");
+    const std::size_t at = one.find(descriptor);
+    ASSERT_NE(at, std::string::npos);
+    for (const ColumnDescriptor& c : unreadable) {
+        ByteWriter out;
+        out.u16(static_cast<std::uint16_t>(c.type));
+        out.u32(c.maxLength);
+        out.u64(0);
+        out.u32(c.flags);
+        std::string changed = one;
+        EXPECT_TRUE(isRefused(changed.replace(at, out.size(), out.view())))
+            << static_cast<int>(c.type);
+    }
+    metadata.columns.assign(4097, metadata.columns[0]);
+    EXPECT_TRUE(isRefused(written(metadata, {}))) << "too many columns";
+    metadata.columns.clear();
+    EXPECT_TRUE(isRefused(written(metadata, {}))) << "no columns";
+}
+
+TEST(Tablegram, UnknownMetadataIsSkipped) {
+    // Every block gets a tail, and the first column all the rare parts that it may have.
+    const std::string plain = mixedRows("07 1F 01000000 '12345678'", 1);
+    for (const char* searchable : {"0000", "00000000"}) {
+        std::string changed = plain.substr(0, 9);
+        std::size_t at = 9;
+        bool first = true;
+        while (plain[at] != '\x07') {
+            const auto size = static_cast<unsigned char>(plain[at + 1]) +
+                              256U * static_cast<unsigned char>(plain[at + 2]);
+            std::string content = plain.substr(at + 3, size);
+            if (plain[at] == '\x06' && first) {
+                first = false;
+                content.replace(0, 3, bytes("80F1F8"));
+                content.insert(content.size() - 4, std::string(28, '\x11'));
+                content.insert(content.size() - 2,
+                               bytes("00000000") + bytes(searchable) + bytes("0000 00000000"));
+            } else {
+                content += "tail";
+            }
+            changed += plain[at];
+            changed += static_cast<char>(content.size());
+            changed += static_cast<char>(content.size() >> 8U);
+            changed += content;
+            at += 3 + size;
+        }
+        const db::Recordset recordset = read(changed + plain.substr(at));
+        EXPECT_EQ(recordset.Fields().size(), 3U);
+        EXPECT_EQ(recordset.Item(0).asInteger(), 1);
+    }
+}
+
+TEST(Tablegram, RowsLeaveInPiecesAsTheyCome) {
+    db::Field field;
+    field.Name = "TEXT";
+    field.DefinedSize = 400;
+    std::vector<std::size_t> pieces;
+    std::string all;
+    TablegramWriter writer(
+        [&](std::string_view piece) {
+            pieces.push_back(piece.size());
+            all += piece;
+        },
+        describe({field}));
+    const std::string text = "한글 " + std::string(90, 'x');
+    RowsCursor cursor({}, {{Value::text(text)}});
+    cursor.next();
+    for (int i = 0; i < 20000; ++i)
+        writer.writeRow(cursor);
+    writer.finish();
+    EXPECT_GT(pieces.size(), 50U);
+    EXPECT_LT(*std::max_element(pieces.begin(), pieces.end()), 66U * 1024U);
+    db::Recordset recordset = read(all);
+    ASSERT_EQ(recordset.RecordCount(), 20000);
+    for (; !recordset.Eof(); recordset.MoveNext())
+        ASSERT_EQ(recordset.Item(0).bytes(), text);
+}
+
+} // namespace

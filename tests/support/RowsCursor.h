@@ -1,0 +1,28 @@
+#pragma once
+
+#include "db/Cursor.h"
+
+#include <utility>
+#include <vector>
+
+namespace quillet::test {
+
+/// A cursor over rows made by hand. What the values borrow must outlive it.
+class RowsCursor : public db::Cursor {
+public:
+    using Row = std::vector<db::Value>;
+
+    RowsCursor(db::FieldList fields, std::vector<Row> rows)
+        : fields_(std::move(fields)), rows_(std::move(rows)) {}
+
+    const db::FieldList& fields() const override { return fields_; }
+    bool next() override { return ++row_ <= rows_.size(); }
+    db::Value value(std::size_t column) const override { return rows_.at(row_ - 1).at(column); }
+
+private:
+    db::FieldList fields_;
+    std::vector<Row> rows_;
+    std::size_t row_ = 0;
+};
+
+} // namespace quillet::test

@@ -1,0 +1,104 @@
+#include "tests/support/TestHeadOffice.h"
+
+#include "db/Recordset.h"
+#include "tests/support/TempFolder.h"
+
+#include <cstdlib>
+#include <random>
+
+namespace quillet::tests {
+
+namespace {
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+std::string connectionStringOf(const std::string& database) {
+    return "DRIVER={MySQL ODBC 3.51 Driver};SERVER=" + TestHeadOffice::databaseServer() +
+           ";DATABASE=" + database + ";UID=" + TestHeadOffice::databaseUser() +
+           ";PWD=mq5307;OPTION=16386";
+}
+
+/// Statements of an SQL file; none of ours has a semicolon at a line's end inside a text.
+std::vector<std::string> statementsOf(const std::string& script) {
+    std::vector<std::string> statements;
+    std::string statement;
+    std::istringstream lines(script);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("--"))
+            continue;
+        statement += line + "\n";
+        if (line.ends_with(';')) {
+            statement.resize(statement.size() - 2);
+            statements.push_back(std::move(statement));
+            statement.clear();
+        }
+    }
+    return statements;
+}
+
+} // namespace
+
+bool TestHeadOffice::isAvailable() {
+    return !environment("CHAIN_PORT").empty();
+}
+
+std::string TestHeadOffice::databaseServer() {
+    return environment("CHAIN_HOST") + ";PORT=" + environment("CHAIN_PORT");
+}
+
+std::string TestHeadOffice::databaseUser() {
+    return environment("CHAIN_USER");
+}
+
+headoffice::Options TestHeadOffice::testOptions() {
+    headoffice::Options options;
+    options.port = 0;
+    return options;
+}
+
+TestHeadOffice::TestHeadOffice(const headoffice::Options& options)
+    : name_("quillet_test_" + std::to_string(std::random_device{}())), office_(options, log_) {
+    {
+        db::Connection server;
+        server.Open(connectionStringOf(environment("CHAIN_DB")));
+        server.Execute("CREATE DATABASE " + name_ + " DEFAULT CHARACTER SET utf8mb4");
+    }
+    database_.Open(connectionString());
+    createTables();
+    thread_ = std::thread([this] { office_.run(); });
+}
+
+TestHeadOffice::~TestHeadOffice() {
+    office_.stop();
+    thread_.join();
+    try {
+        database_.Execute("DROP DATABASE " + name_);
+    } catch (const db::Error&) {
+        return; // the server goes with the test run anyway
+    }
+}
+
+void TestHeadOffice::createTables() {
+    for (const std::string& statement :
+         statementsOf(readFile(QUILLET_SOURCE_DIR "/headoffice/chain/schema.sql")))
+        database_.Execute(statement);
+}
+
+std::string TestHeadOffice::value(const std::string& query) {
+    db::Recordset rows;
+    rows.Open(query, database_);
+    return rows.Eof() ? "no row" : rows.Item(0).toText();
+}
+
+std::string TestHeadOffice::address() const {
+    return "127.0.0.1:" + std::to_string(office_.port());
+}
+
+std::string TestHeadOffice::connectionString() const {
+    return connectionStringOf(name_);
+}
+
+} // namespace quillet::tests
