@@ -272,7 +272,7 @@ INSERT INTO CT (CT_CODE, CT_GUBUN, CT_NAME, CT_JUMIN, CT_PHONE, CT_MAIL, CT_ZIP,
   CT_END, CT_POINT, CT_UPOINT, CT_VISITN, CT_VDATE, CT_MSG, CT_DATE, GP_CODE) VALUES
   ('1000900000000001', '1', '고은별', '880101-0000000', '02-000-9001', 'm1@example.com', '00012', '새벗시 물푸레구 한들로 100', '305호', '0', 100, 20, 7, '2026-10-03 19:20:11', '창가 자리; "조용한 방" 선호', '2026-10-03 19:20:30', 'G100'),
   ('1000900000000002', '1', '탁우람', NULL, NULL, NULL, NULL, NULL, NULL, '1', 2500, 0, 31, '2024-02-28 12:05:00', '탈퇴 요청', '2024-03-01 09:00:00', NULL),
-  -- Points in part unknown, never came.
+  -- Points half known, never came.
   ('1000900000000003', '1', '봉미르', '', '', '', '', '', '', NULL, 300, NULL, NULL, NULL, NULL, '2025-05-05 15:00:00', 'G100'),
   ('1000900000000004', '1', '선우 아라', '', '', '', '', '', '', '', NULL, NULL, 0, NULL, '', '2025-05-06 15:00:00', 'G110'),
   -- A card was handed out, the form never typed in.

@@ -31,6 +31,11 @@ CHAIN_PORT=''
 CHAIN_SOCKET=''
 CHAIN_ODBCSYSINI=''
 
+# Nothing waits for the disk: a machine that goes down may take the sample with it, and that is
+# cheaper than seconds at every start.
+chain_db__storage=(--loose-debug-no-sync --loose-innodb-flush-method=nosync --sync-frm=0
+    --innodb-log-file-size=8M --innodb-flush-log-at-trx-commit=0)
+
 chain_db__dir=''
 chain_db__pid=''
 chain_db__watchdog=''
@@ -38,6 +43,12 @@ chain_db__socket_dir=''
 chain_db__sql_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../headoffice/chain" && pwd)
 
 chain_db__say() { printf 'head office database: %s\n' "$*" >&2; }
+
+# chain_db__show_log FILE: what went wrong, or else its end.
+chain_db__show_log() {
+    printf '%s:\n' "$1" >&2
+    grep -F '[ERROR]' "$1" >&2 || tail -n 30 "$1" >&2
+}
 
 # chain_db__program NAME: its path. A plain user's PATH often lacks the sbin folders.
 chain_db__program() {
@@ -105,14 +116,15 @@ chain_db__write_odbc() {
     : > "$CHAIN_ODBCSYSINI/odbc.ini"
 }
 
-# Is a server running on the folder already? Two would wait for each other's files for minutes.
+# chain_db__in_use DIR: is a server running on it already? A second one would wait for its
+# files for minutes.
 chain_db__in_use() {
     local pid
-    { read -r pid < "$chain_db__dir/server.pid"; } 2> /dev/null || return 1
+    { read -r pid < "$1/run/server.pid"; } 2> /dev/null || return 1
     [[ -n $(chain_db__life "$pid") ]] || return 1
     # The number may have gone to some other program since.
     [[ ! -r /proc/$pid/cmdline ]] ||
-        tr '\0' '\n' < "/proc/$pid/cmdline" | grep -qxF -e "--datadir=$chain_db__dir/data"
+        tr '\0' '\n' < "/proc/$pid/cmdline" | grep -qxF -e "--datadir=$1/data"
 }
 
 # A loopback port nobody answers on, below the range the kernel hands out by itself.
@@ -163,13 +175,13 @@ chain_db__launch() {
         printf 'attempt %s: port %s\n' "$attempt" "$CHAIN_PORT" > "$log"
         "$server" --no-defaults "$@" --datadir="$chain_db__dir/data" \
             --tmpdir="$chain_db__dir/tmp" --socket="$CHAIN_SOCKET" \
-            --pid-file="$chain_db__dir/server.pid" --bind-address="$CHAIN_HOST" \
+            --pid-file="$chain_db__dir/run/server.pid" --bind-address="$CHAIN_HOST" \
             --port="$CHAIN_PORT" --skip-name-resolve --skip-log-bin --skip-slave-start \
             --sql-mode=NO_ENGINE_SUBSTITUTION --character-set-server=utf8mb4 \
             --collation-server=utf8mb4_general_ci --performance-schema=OFF \
             --max-connections=64 --max-allowed-packet=64M --key-buffer-size=1M \
             --aria-pagecache-buffer-size=8M --query-cache-size=0 \
-            --innodb-buffer-pool-size=32M --innodb-flush-log-at-trx-commit=0 \
+            --innodb-buffer-pool-size=32M "${chain_db__storage[@]}" \
             < /dev/null >> "$log" 2>&1 3>&- 4>&- 5>&- 6>&- 7>&- 8>&- 9>&- &
         chain_db__pid=$!
         chain_db__watch "$BASHPID" "$chain_db__pid" "$chain_db__socket_dir"
@@ -180,8 +192,8 @@ chain_db__launch() {
                 return 0
             fi
             if ((SECONDS >= deadline)); then
-                chain_db__say "no answer within 60 seconds; its log ($log):"
-                tail -n 40 "$log" >&2
+                chain_db__say 'no answer within 60 seconds'
+                chain_db__show_log "$log"
                 return 1
             fi
             sleep 0.1
@@ -189,8 +201,8 @@ chain_db__launch() {
         chain_db__reap
         grep -q 'Bind on TCP/IP port' "$log" || break
     done
-    chain_db__say "the server ended at once; its log ($log):"
-    tail -n 40 "$log" >&2
+    chain_db__say 'the server ended at once'
+    chain_db__show_log "$log"
     return 1
 }
 
@@ -205,7 +217,7 @@ chain_db__reap() {
 }
 
 chain_db_start() {
-    local server install as_root=() fresh=''
+    local dir server install as_root=() fresh=''
     if [[ -n $chain_db__pid ]]; then
         chain_db__say "already running in $chain_db__dir"
         return 1
@@ -216,33 +228,40 @@ chain_db_start() {
     # The server refuses to run as root unless told so in as many words.
     [[ $(id -u) != 0 ]] || as_root=(--user=root)
 
-    # Only this user may enter: the administrator's account has no password on the socket.
-    mkdir -p "$1" && chain_db__dir=$(cd "$1" && pwd) &&
-        mkdir -p "$chain_db__dir/tmp" && chmod 700 "$chain_db__dir" || return 1
-    if chain_db__in_use; then
-        chain_db__say "$chain_db__dir is in use by another server"
+    mkdir -p "$1" && dir=$(cd "$1" && pwd) || return 1
+    # What is there and not ours must survive, here and in chain_db_stop --delete.
+    if [[ -e $dir/data && ! -e $dir/run ]]; then
+        chain_db__say "$dir holds a data folder that is not ours"
         return 1
     fi
+    if chain_db__in_use "$dir"; then
+        chain_db__say "$dir is in use by another server"
+        return 1
+    fi
+    chain_db__dir=$dir
+
+    # Only this user may enter: the administrator has no password on the socket.
+    mkdir -p "$dir/run" "$dir/tmp" && chmod 700 "$dir/run" "$dir/tmp" || return 1
     chain_db__socket_dir=''
-    CHAIN_SOCKET=$chain_db__dir/server.sock
+    CHAIN_SOCKET=$dir/run/server.sock
     # A socket's path is limited to 107 bytes.
     if ((${#CHAIN_SOCKET} > 90)) || [[ $CHAIN_SOCKET == *[![:ascii:]]* ]]; then
         chain_db__socket_dir=$(mktemp -d "${TMPDIR:-/tmp}/quillet-db.XXXXXX") || return 1
         CHAIN_SOCKET=$chain_db__socket_dir/server.sock
     fi
-    CHAIN_ODBCSYSINI=$chain_db__dir/odbc
+    CHAIN_ODBCSYSINI=$dir/odbc
     chain_db__write_odbc || return 1
 
     # The mark is written last: a folder whose first start was cut short starts afresh.
-    if [[ ! -e $chain_db__dir/loaded ]]; then
+    if [[ ! -e $dir/run/loaded ]]; then
         fresh=yes
-        rm -rf -- "$chain_db__dir/data"
+        rm -rf -- "$dir/data"
         # By a relative path, because the installer stumbles over a blank in an absolute one.
-        if ! (cd "$chain_db__dir" && "$install" --no-defaults "${as_root[@]}" --datadir=./data \
+        if ! (cd "$dir" && "$install" --no-defaults "${as_root[@]}" --datadir=./data \
             --auth-root-authentication-method=normal --skip-test-db --skip-name-resolve \
-            < /dev/null > install.log 2>&1); then
-            chain_db__say "cannot set up $chain_db__dir/data:"
-            tail -n 40 "$chain_db__dir/install.log" >&2
+            "${chain_db__storage[@]}" < /dev/null > install.log 2>&1); then
+            chain_db__say "cannot set up $dir/data"
+            chain_db__show_log "$dir/install.log"
             return 1
         fi
     fi
@@ -257,7 +276,7 @@ chain_db_start() {
             chain_db_stop
             return 1
         fi
-        : > "$chain_db__dir/loaded"
+        : > "$dir/run/loaded"
     fi
     export CHAIN_PORT CHAIN_SOCKET CHAIN_ODBCSYSINI CHAIN_DB CHAIN_USER CHAIN_HOST
 }
@@ -327,7 +346,7 @@ chain_db_stop() {
     if [[ ${1:-} == --delete && -n $chain_db__dir ]]; then
         (
             cd "$chain_db__dir" 2> /dev/null || exit 0
-            rm -rf -- data tmp odbc loaded server.log server.pid install.log
+            rm -rf -- data run tmp odbc server.log install.log
         )
         rmdir -- "$chain_db__dir" 2> /dev/null || true
         chain_db__dir=''
