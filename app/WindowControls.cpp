@@ -126,7 +126,7 @@ QWidget* WindowControls::progress() {
     // Each bar under its caption; at the right how many of how many.
     const auto addBar = [&](std::size_t bar, QLabel* caption, QLabel* counter, QLabel* slash,
                             QLabel* total) {
-        const int top = static_cast<int>(bar) * 2;
+        const int top = static_cast<int>(bar) * 3;
         PBar1[bar] = new QProgressBar;
         PBar1[bar]->setMinimumHeight(BarHeight);
         PBar1[bar]->setTextVisible(false);
@@ -140,7 +140,7 @@ QWidget* WindowControls::progress() {
     };
     addBar(0, Label2[2], Label3[1], Label2[3], Label3[0]);
     addBar(1, Label2[5], Label3[3], Label2[4], Label3[2]);
-    grid->setRowMinimumHeight(2, TouchHeight - 8);
+    grid->setRowMinimumHeight(2, 10); // between the two bars
     PBar1[0]->setAccessibleName(QStringLiteral("전체 진행"));
     PBar1[1]->setAccessibleName(QStringLiteral("항목별 진행"));
     return box;

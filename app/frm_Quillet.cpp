@@ -152,6 +152,8 @@ void frm_Quillet::runDriver() {
     if (running_)
         return;
     running_ = true;
+    lbl_MSG().SetCaption(""); // what an earlier run said is no longer true
+    controls_.display.refresh();
     for (QPushButton* button : controls_.Cmd1)
         button->setEnabled(false);
     const RunDriver::Result result = RunDriver(*run_, *this).receive();

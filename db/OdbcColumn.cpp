@@ -125,7 +125,7 @@ void setType(OdbcColumn& column, const Description& described, SQLLEN octetLengt
     case SQL_TYPE_TIMESTAMP:
         return setTimestamp(column, described);
     case SQL_GUID:
-        return asFixed(column, DataType::Guid, 16, 0xFF, SQL_C_GUID, sizeof(SQLGUID));
+        return asFixed(column, DataType::Guid, 16, 0xFF, SQL_C_GUID, 16);
     case SQL_LONGVARBINARY:
         column.field.longValue = true;
         [[fallthrough]];

@@ -12,6 +12,9 @@ namespace quillet::db {
 /// Any database behind an ODBC driver. Texts cross as UTF-16. Errors carry every diagnostic record
 /// of the failed call, the driver's messages unchanged; a statement with a NUL character is refused
 /// here with 42000, since drivers would run the part in front of it.
+///
+/// A driver without Unicode calls gets its statements in the driver manager's ANSI code page;
+/// letters outside that are the driver manager's to lose. Values are not affected.
 class OdbcEngine final : public Engine {
 public:
     /// @param connectionString as for SQLDriverConnect; no dialog is ever shown.

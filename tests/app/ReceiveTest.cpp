@@ -4,7 +4,8 @@
 #include "tests/support/Counter.h"
 #include "tests/support/TestHeadOffice.h"
 
-#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QEvent>
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 

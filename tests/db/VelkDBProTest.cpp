@@ -67,12 +67,12 @@ protected:
                         screen_.LBL2, screen_.LBL3, CNT);
     }
 
-    /// KIND as "code name|code name|".
-    std::string kinds() {
+    /// PROP as "code name|code name|".
+    std::string options() {
         TextTable FD;
         std::int32_t FDROW = 0;
         std::int32_t FDCOL = 0;
-        store_.GET_DATA(" SELECT KIND_CODE,KIND_NAME FROM KIND ORDER BY KIND_CODE ", FD, FDROW,
+        store_.GET_DATA(" SELECT PROP_CODE,PROP_NAME FROM PROP ORDER BY PROP_CODE ", FD, FDROW,
                         FDCOL);
         std::string result;
         for (std::size_t row = 1; row < FD.size(); ++row)
@@ -83,7 +83,7 @@ protected:
     std::string dailyLog() const { return tests::readOnlyFileIn(folder_ / "ZELMARO_LOG"); }
 
     static std::string insert(const std::string& code, const std::string& name = "x") {
-        return " INSERT INTO KIND (KIND_CODE,KIND_NAME) VALUES ('" + code + "','" + name + "') ";
+        return " INSERT INTO PROP (PROP_CODE,PROP_NAME) VALUES ('" + code + "','" + name + "') ";
     }
 
     TempFolder folder_;
@@ -111,7 +111,7 @@ TEST_F(VelkDBProTest, ShowsGroupsBarsAndCounters) {
                             "LBL3=사업자 정보 수신 중", "LBL1=0", "LBL2=2", "PBar1=0",
                             "PBar1.Max=2", "PBar1=1", "yield", "LBL1=1",
                             "LBLT=4")); // 4: outside the overall bar
-    EXPECT_EQ(kinds(), "1 x|2 x|3 x|4 x|5 x|");
+    EXPECT_EQ(options(), "1 x|2 x|3 x|4 x|5 x|");
 }
 
 TEST_F(VelkDBProTest, RollsAFailedBatchBackAndLogsItsStatement) {
@@ -120,7 +120,7 @@ TEST_F(VelkDBProTest, RollsAFailedBatchBackAndLogsItsStatement) {
     EXPECT_EQ(store_.Status(), 0);
     EXPECT_THAT(store_.errorText(), testing::StartsWith("-2147217900 : "));
     EXPECT_EQ(screen_.LBLT.caption_, "8") << "only the menu group starts the overall count";
-    EXPECT_EQ(kinds(), "");
+    EXPECT_EQ(options(), "");
 
     putData({"", insert("1"), insert("1")}, {2, 0, 0, 0, 0, 0});
     EXPECT_THAT(store_.errorText(), testing::StartsWith("-2147217873 : ")) << "key twice";
@@ -140,12 +140,12 @@ TEST_F(VelkDBProTest, StaysSafeWhereTheLogFolderCannotBeMadeAndWhereCountsOverfl
     store.PUT_DATA({"", insert("1"), "nonsense"}, 1, screen_.PBarT, screen_.PBar1, screen_.LBLT,
                    screen_.LBL1, screen_.LBL2, screen_.LBL3, {2, 0, 0, 0, 0, 0});
     EXPECT_EQ(store.Status(), 0);
-    EXPECT_EQ(kinds(), "");
+    EXPECT_EQ(options(), "");
 
     putData({"", insert("1"), insert("2")}, {2'000'000'000, 2'000'000'000, 0, 0, 0, 0});
     EXPECT_EQ(store_.Status(), 0);
     EXPECT_EQ(store_.errorText(), "6 : Overflow");
-    EXPECT_EQ(kinds(), "");
+    EXPECT_EQ(options(), "");
 }
 
 TEST_F(VelkDBProTest, BatchesWithoutDisplay) {
@@ -153,7 +153,7 @@ TEST_F(VelkDBProTest, BatchesWithoutDisplay) {
     EXPECT_EQ(store_.Status(), 1);
     store_.PUT_DATA_DEL({"", insert("1"), insert("1")});
     EXPECT_EQ(store_.Status(), 0);
-    EXPECT_EQ(kinds(), "");
+    EXPECT_EQ(options(), "");
     EXPECT_EQ(dailyLog(), "no folder") << "only the batch with a display writes there";
 
     std::string unread;
@@ -162,7 +162,7 @@ TEST_F(VelkDBProTest, BatchesWithoutDisplay) {
         0, unread);
     EXPECT_EQ(store_.Status(), 1);
     EXPECT_EQ(store_.errorText(), "");
-    EXPECT_EQ(kinds(), "1 x|2 x|");
+    EXPECT_EQ(options(), "1 x|2 x|");
 }
 
 TEST_F(VelkDBProTest, ErrorTextsOfReadsPileUpUntilAnOperationCompletes) {
@@ -176,21 +176,21 @@ TEST_F(VelkDBProTest, ErrorTextsOfReadsPileUpUntilAnOperationCompletes) {
     EXPECT_EQ(FDROW, 7);
     EXPECT_EQ(FD[0][0], "kept");
 
-    EXPECT_FALSE(store_.GET_RSS(" SELECT NO_COLUMN FROM KIND ").IsOpen());
+    EXPECT_FALSE(store_.GET_RSS(" SELECT NO_COLUMN FROM PROP ").IsOpen());
     const std::string second = store_.errorText();
     EXPECT_THAT(second, testing::StartsWith(first + "\r\n"));
-    EXPECT_TRUE(store_.GET_RSS(" SELECT KIND_CODE FROM KIND ").IsOpen());
+    EXPECT_TRUE(store_.GET_RSS(" SELECT PROP_CODE FROM PROP ").IsOpen());
     EXPECT_EQ(store_.Status(), 1);
     EXPECT_EQ(store_.errorText(), second) << "a snapshot that worked leaves the text";
 
-    store_.PUT_DATA_DEL({"", insert("1", "한글"), " INSERT INTO KIND (KIND_CODE) VALUES ('2') "});
-    store_.GET_DATA(" SELECT KIND_CODE,KIND_NAME FROM KIND ORDER BY KIND_CODE", FD, FDROW, FDCOL);
+    store_.PUT_DATA_DEL({"", insert("1", "한글"), " INSERT INTO PROP (PROP_CODE) VALUES ('2') "});
+    store_.GET_DATA(" SELECT PROP_CODE,PROP_NAME FROM PROP ORDER BY PROP_CODE", FD, FDROW, FDCOL);
     EXPECT_EQ(store_.errorText(), "");
     EXPECT_EQ(FDROW, 2);
     EXPECT_EQ(FDCOL, 2);
-    EXPECT_THAT(FD, ElementsAre(ElementsAre("KIND_CODE", "KIND_NAME"), ElementsAre("1", "한글"),
+    EXPECT_THAT(FD, ElementsAre(ElementsAre("PROP_CODE", "PROP_NAME"), ElementsAre("1", "한글"),
                                 ElementsAre("2", "")));
-    store_.GET_DATA(" SELECT KIND_CODE FROM KIND WHERE 1 = 0 ", FD, FDROW, FDCOL);
+    store_.GET_DATA(" SELECT PROP_CODE FROM PROP WHERE 1 = 0 ", FD, FDROW, FDCOL);
     EXPECT_EQ(FDROW, 0);
     EXPECT_EQ(FDCOL, 0);
     EXPECT_THAT(FD, ElementsAre(ElementsAre("")));
@@ -202,7 +202,7 @@ TEST_F(VelkDBProTest, AStoreThatDidNotOpenFailsEveryOperation) {
     EXPECT_EQ(store.Status(), 0);
     EXPECT_THAT(store.errorText(), HasSubstr("missing.MDB"));
     EXPECT_FALSE(std::filesystem::exists(folder_ / "missing.MDB")) << "never created";
-    EXPECT_FALSE(store.GET_RSS(" SELECT KIND_CODE FROM KIND ").IsOpen());
+    EXPECT_FALSE(store.GET_RSS(" SELECT PROP_CODE FROM PROP ").IsOpen());
     EXPECT_EQ(store.Status(), 0);
     store.PUT_DATA_DEL({"", insert("1")});
     EXPECT_EQ(store.Status(), 0);

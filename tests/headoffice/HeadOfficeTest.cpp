@@ -191,9 +191,11 @@ TEST_F(HeadOfficeTest, ReturnsArgumentsWhenAsked) {
 }
 
 TEST_F(HeadOfficeTest, ServesSeveralCountersAtOnce) {
+    db_.BeginTrans();
     for (int i = 0; i < 500; ++i)
         db_.Execute("INSERT INTO KIND VALUES ('N" + std::to_string(i) + "', '" +
                     std::string(200, 'x') + "', 3)");
+    db_.CommitTrans();
     std::vector<std::future<int>> counters;
     for (int counter = 0; counter < 8; ++counter)
         counters.push_back(std::async(std::launch::async, [this] {

@@ -21,7 +21,8 @@ std::string toUtf8(const CodePage& codePage, const std::string& text) {
 
 std::string fromUtf8(const CodePage& codePage, const std::string& text) {
     std::string out = ">";
-    EXPECT_EQ(codePage.appendFromUtf8(text, out), out.size() - 1);
+    const std::size_t size = codePage.appendFromUtf8(text, out);
+    EXPECT_EQ(size, out.size() - 1);
     return out.substr(1);
 }
 

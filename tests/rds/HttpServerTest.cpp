@@ -85,7 +85,7 @@ TEST(HttpServer, AnswersClientsOfEveryKind) {
 TEST(HttpServer, RefusesWhatItCannotTake) {
     rds::HttpServer::Options options;
     options.maxBody = 10;
-    options.patience = 200ms;
+    options.patience = 500ms;
     RunningServer server(options, echo);
     const std::vector<std::pair<const char*, const char*>> requests{
         {"POST / HTTP/1.1\r\n\r\n", "HTTP/1.1 411 "},

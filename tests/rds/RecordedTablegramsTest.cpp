@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <map>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -128,6 +128,10 @@ std::string inXml(const db::Value& value, const std::string& expected) {
                            std::strtof(expected.c_str(), nullptr)
                    ? expected
                    : value.toText();
+    case Kind::Decimal: // ADO writes the zero of a column with two decimals as ".00"
+        return expected.find_first_not_of(".0") == std::string::npos && value.toText() == "0"
+                   ? expected
+                   : value.toText();
     case Kind::DateTime: {
         std::string text = value.toText();
         text[10] = 'T';
@@ -172,8 +176,12 @@ TEST(RecordedTablegrams, ReadAsTheirXmlSays) {
             for (std::size_t i = 0; i < names.size(); ++i, ++compared) {
                 const auto cell = row->second.find(xml.columns[i]);
                 ASSERT_EQ(recordset.Item(i).isNull(), cell == row->second.end()) << names[i];
-                if (cell != row->second.end())
-                    EXPECT_EQ(inXml(recordset.Item(i), cell->second), cell->second) << names[i];
+                if (cell == row->second.end())
+                    continue;
+                std::string expected = cell->second;
+                if (recordset.Item(i).kind() == Kind::Text && recordset.Fields()[i].fixedLength)
+                    expected.resize(expected.find_last_not_of(' ') + 1); // the wire's padding
+                EXPECT_EQ(inXml(recordset.Item(i), expected), expected) << names[i];
             }
         }
     }

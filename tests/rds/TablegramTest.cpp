@@ -186,6 +186,9 @@ TEST(Tablegram, ValuesAreConvertedToTheirColumnOrRefused) {
         "000000000000F8BF");
     EXPECT_EQ(hex(cell(column(DataType::Variant, 16, Fixed), Value::integer(-2))),
               "1400000000000000FEFFFFFFFFFFFFFF");
+    const std::string wide =
+        cell(column(DataType::Numeric, 19, Fixed, 65, 30), Value::decimal("123456789012.5"));
+    EXPECT_EQ(hex(wide.substr(0, 9)), "410101CD04FB711F01") << "no room for 30 decimals";
     // A text may be longer than declared as long as its length has room in the prefix.
     EXPECT_EQ(cell(column(DataType::Char, 3, 0), Value::text("가나다")).size(), 7U);
 

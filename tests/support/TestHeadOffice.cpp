@@ -27,7 +27,8 @@ std::vector<std::string> statementsOf(const std::string& script) {
     std::string statement;
     std::istringstream lines(script);
     for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("--"))
+        // The client's own character set is none of a driver's business.
+        if (line.starts_with("--") || line.starts_with("SET NAMES"))
             continue;
         statement += line + "\n";
         if (line.ends_with(';')) {

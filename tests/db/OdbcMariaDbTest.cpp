@@ -1,0 +1,216 @@
+#include "db/Connection.h"
+#include "db/Recordset.h"
+#include "db/Transaction.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace quillet::db {
+namespace {
+
+/// Needs a MariaDB or MySQL server: QUILLET_TEST_MARIADB is an ODBC connection string to a database
+/// in which the tests may make tables.
+class OdbcMariaDbTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const char* const connectionString = std::getenv("QUILLET_TEST_MARIADB");
+        if (connectionString == nullptr || *connectionString == '\0')
+            GTEST_SKIP() << "QUILLET_TEST_MARIADB is not set";
+        connection_.Open(connectionString);
+        connection_.Execute("SET sql_mode = 'NO_ENGINE_SUBSTITUTION', "
+                            "max_recursive_iterations = 100000");
+    }
+
+    void create(const std::string& columns) {
+        connection_.Execute("DROP TABLE IF EXISTS engine_test");
+        connection_.Execute("CREATE TABLE engine_test (" + columns + ") CHARACTER SET utf8mb4");
+    }
+
+    void TearDown() override {
+        if (connection_.IsOpen())
+            connection_.Execute("DROP TABLE IF EXISTS engine_test");
+    }
+
+    Connection connection_;
+};
+
+struct ColumnCase {
+    std::string declaration;
+    std::string literal;
+    DataType type;
+    std::string text;
+    Value::Kind kind;
+};
+
+TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
+    using Kind = Value::Kind;
+    const std::vector<ColumnCase> cases = {
+        {"TINYINT", "-128", DataType::TinyInt, "-128", Kind::Integer},
+        {"TINYINT UNSIGNED", "255", DataType::UnsignedTinyInt, "255", Kind::Unsigned},
+        {"SMALLINT", "-32768", DataType::SmallInt, "-32768", Kind::Integer},
+        {"SMALLINT UNSIGNED", "65535", DataType::UnsignedSmallInt, "65535", Kind::Unsigned},
+        {"MEDIUMINT", "-8388608", DataType::Integer, "-8388608", Kind::Integer},
+        {"MEDIUMINT UNSIGNED", "16777215", DataType::UnsignedInt, "16777215", Kind::Unsigned},
+        {"INT", "-2147483648", DataType::Integer, "-2147483648", Kind::Integer},
+        {"INT UNSIGNED", "4294967295", DataType::UnsignedInt, "4294967295", Kind::Unsigned},
+        {"BIGINT", "-9223372036854775808", DataType::BigInt, "-9223372036854775808", Kind::Integer},
+        {"BIGINT UNSIGNED", "18446744073709551615", DataType::UnsignedBigInt,
+         "18446744073709551615", Kind::Unsigned},
+        {"YEAR", "2026", DataType::UnsignedSmallInt, "2026", Kind::Unsigned},
+        {"DECIMAL(12,3)", "-123456789.125", DataType::Numeric, "-123456789.125", Kind::Decimal},
+        {"DECIMAL(38,0)", "99999999999999999999999999999999999999", DataType::Numeric,
+         "99999999999999999999999999999999999999", Kind::Decimal},
+        {"FLOAT", "0.1", DataType::Single, "0.1", Kind::Single},
+        {"DOUBLE", "0.1", DataType::Double, "0.1", Kind::Double},
+        {"BIT(1)", "b'1'", DataType::Boolean, "True", Kind::Boolean},
+        {"BIT(8)", "b'01000001'", DataType::Binary, "A", Kind::Binary},
+        {"DATE", "'2024-02-29'", DataType::DBDate, "2024-02-29", Kind::Date},
+        {"TIME", "'23:59:58'", DataType::DBTime, "23:59:58", Kind::Time},
+        {"DATETIME", "'2024-02-29 13:14:15'", DataType::DBTimeStamp, "2024-02-29 13:14:15",
+         Kind::DateTime},
+        {"TIMESTAMP NULL", "'2024-02-29 13:14:15'", DataType::DBTimeStamp, "2024-02-29 13:14:15",
+         Kind::DateTime},
+        {"CHAR(10)", "'한글'", DataType::WChar, "한글", Kind::Text},
+        {"VARCHAR(4)", "'😀😀😀😀'", DataType::WChar, "😀😀😀😀", Kind::Text},
+        {"ENUM('a','나')", "'나'", DataType::WChar, "나", Kind::Text},
+        {"SET('x','y')", "'x,y'", DataType::WChar, "x,y", Kind::Text},
+        {"TINYTEXT", "'짧은 글'", DataType::WChar, "짧은 글", Kind::Text},
+        {"BINARY(3)", "'abc'", DataType::Binary, "abc", Kind::Binary},
+        {"VARBINARY(10)", "x'FF00'", DataType::Binary, std::string("\xFF\0", 2), Kind::Binary},
+        // From here on without a bound: fetched cell by cell.
+        {"TEXT", "'글'", DataType::WChar, "글", Kind::Text},
+        {"MEDIUMTEXT", "'중간 글'", DataType::WChar, "중간 글", Kind::Text},
+        {"BLOB", "x'00FF'", DataType::Binary, std::string("\0\xFF", 2), Kind::Binary},
+    };
+    // Once in bound blocks, once with the long columns among them.
+    for (const std::size_t count : {cases.size() - 3, cases.size()}) {
+        std::string columns = "N INT PRIMARY KEY";
+        std::string values = "1";
+        for (std::size_t i = 0; i < count; ++i) {
+            columns += ", C" + std::to_string(i) + " " + cases[i].declaration;
+            values += "," + cases[i].literal;
+        }
+        create(columns);
+        connection_.Execute("INSERT INTO engine_test VALUES (" + values + ")");
+        connection_.Execute("INSERT INTO engine_test (N) VALUES (2)");
+        Recordset rows;
+        rows.Open("SELECT * FROM engine_test ORDER BY N", connection_);
+        EXPECT_FALSE(rows.Fields()[0].nullable);
+        for (std::size_t i = 0; i < count; ++i) {
+            EXPECT_EQ(rows.Fields()[i + 1].Type, cases[i].type) << cases[i].declaration;
+            EXPECT_TRUE(rows.Fields()[i + 1].nullable) << cases[i].declaration;
+            EXPECT_EQ(rows.Item(i + 1).kind(), cases[i].kind) << cases[i].declaration;
+            EXPECT_EQ(rows.Item(i + 1).toText(), cases[i].text) << cases[i].declaration;
+        }
+        rows.MoveNext();
+        for (std::size_t i = 0; i < count; ++i)
+            EXPECT_TRUE(rows.Item(i + 1).isNull()) << cases[i].declaration;
+    }
+}
+
+TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
+    create("D DECIMAL(12,3), T DATETIME(3), V VARCHAR(20) NOT NULL, L MEDIUMTEXT");
+    connection_.Execute(
+        "INSERT INTO engine_test VALUES (1.5, '2024-02-29 13:14:15.678', '', NULL)");
+    Recordset rows;
+    rows.Open("SELECT D, T, V, L FROM engine_test", connection_);
+    EXPECT_EQ(rows.Fields()[0].Precision, 12);
+    EXPECT_EQ(rows.Fields()[0].NumericScale, 3);
+    EXPECT_TRUE(rows.Fields()[0].fixedLength);
+    EXPECT_EQ(rows.Fields()[1].Precision, 23);
+    EXPECT_EQ(rows.Fields()[1].NumericScale, 3);
+    EXPECT_EQ(rows.Item(1).asDateTime().nanosecond, 678000000U);
+    EXPECT_EQ(rows.Fields()[2].DefinedSize, 20U);
+    EXPECT_FALSE(rows.Fields()[2].nullable);
+    EXPECT_FALSE(rows.Fields()[2].fixedLength);
+    EXPECT_TRUE(rows.Fields()[3].longValue);
+
+    rows.Open("SELECT 0, ' ', CONCAT('가', V), NOW(), IF(V = '', ' ', V), '', COUNT(*), SUM(D),"
+              " NULL, LEFT('😀나다', 2) FROM engine_test",
+              connection_);
+    std::vector<std::string> texts;
+    for (std::size_t column = 0; column < rows.Fields().size(); ++column)
+        texts.push_back(rows.Item(column).toText());
+    EXPECT_EQ(rows.Item(3).kind(), Value::Kind::DateTime);
+    texts[3] = "now";
+    EXPECT_EQ(texts,
+              (std::vector<std::string>{"0", " ", "가", "now", " ", "", "1", "1.5", "", "😀나"}));
+    EXPECT_TRUE(rows.Item(8).isNull());
+    rows.Open("SELECT V FROM engine_test UNION SELECT '긴 다른 값' UNION SELECT NULL", connection_);
+    EXPECT_EQ(rows.RecordCount(), 3);
+}
+
+TEST_F(OdbcMariaDbTest, ReadsZeroDatesAsNullAndOddTimesNotAtAll) {
+    create("D DATE, T DATETIME, P DATE, O TIME");
+    connection_.Execute("INSERT INTO engine_test VALUES (0, 0, '2024-00-00', '100:00:00')");
+    Recordset rows;
+    rows.Open("SELECT D, T, P, IF(D = '0000-00-00', '', D) FROM engine_test", connection_);
+    EXPECT_TRUE(rows.Item(0).isNull());
+    EXPECT_TRUE(rows.Item(1).isNull());
+    EXPECT_TRUE(rows.Item(2).isNull());
+    EXPECT_EQ(rows.Item(3).toText(), "");
+    EXPECT_THROW(rows.Open("SELECT O FROM engine_test", connection_), Error);
+    EXPECT_FALSE(connection_.Errors().empty());
+}
+
+TEST_F(OdbcMariaDbTest, ReadsRowsAcrossBlocks) {
+    create("N INT PRIMARY KEY, V VARCHAR(50), D DECIMAL(10,2), L TEXT");
+    connection_.Execute(
+        "INSERT INTO engine_test WITH RECURSIVE S AS (SELECT 1 N UNION ALL SELECT "
+        "N + 1 FROM S WHERE N < 10000) SELECT N, IF(N % 3 = 0, NULL, CONCAT('상품 ',"
+        " N)), N / 4, IF(N % 5 = 0, NULL, N) FROM S");
+    for (const std::string columns : {"N, V, D", "N, V, D, L"}) {
+        Recordset rows;
+        rows.Open("SELECT " + columns + " FROM engine_test ORDER BY N", connection_);
+        ASSERT_EQ(rows.RecordCount(), 10000);
+        for (int n = 1; n <= 10000; ++n, rows.MoveNext()) {
+            ASSERT_EQ(rows.Item(0).asInteger(), n);
+            ASSERT_EQ(rows.Item(1).isNull(), n % 3 == 0);
+            ASSERT_EQ(rows.Item(1).toText(), n % 3 == 0 ? "" : "상품 " + std::to_string(n));
+            ASSERT_EQ(std::stod(rows.Item(2).toText()), n / 4.0);
+            if (rows.Fields().size() == 4) {
+                ASSERT_EQ(rows.Item(3).toText(), n % 5 == 0 ? "" : std::to_string(n));
+            }
+        }
+    }
+    std::string text = "a"; // odd, so that pieces end inside surrogate pairs
+    for (int i = 0; i < 15000; ++i)
+        text += "😀";
+    connection_.Execute("UPDATE engine_test SET L = '" + text + "' WHERE N = 2");
+    Recordset rows;
+    rows.Open("SELECT L FROM engine_test WHERE N BETWEEN 1 AND 3 ORDER BY N", connection_);
+    rows.MoveNext();
+    EXPECT_TRUE(rows.Item(0).toText() == text);
+    rows.MoveNext();
+    EXPECT_EQ(rows.Item(0).toText(), "3");
+}
+
+TEST_F(OdbcMariaDbTest, ReportsErrorsAndRollsBack) {
+    create("N INT PRIMARY KEY");
+    const auto stateOf = [this](const std::string& statement) {
+        try {
+            connection_.Execute(statement);
+            return std::string("no error");
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Number(), numberOfSqlState(error.providerRecords().front().SqlState));
+            return error.providerRecords().front().SqlState;
+        }
+    };
+    {
+        Transaction transaction(connection_);
+        EXPECT_EQ(stateOf("INSERT INTO engine_test VALUES (1)"), "no error");
+        EXPECT_EQ(stateOf("INSERT INTO engine_test VALUES (1)"), "23000");
+        EXPECT_EQ(stateOf("INSERT INTO nowhere VALUES (1)"), "42S02");
+        EXPECT_EQ(stateOf("INSERT INTO engine_test VALUES (2); DELETE FROM engine_test"), "42000");
+        EXPECT_EQ(stateOf("DELETE FROM engine_test WHERE N = 99"), "no error");
+    }
+    Recordset rows;
+    rows.Open("SELECT * FROM engine_test", connection_);
+    EXPECT_EQ(rows.RecordCount(), 0);
+}
+
+} // namespace
+} // namespace quillet::db
