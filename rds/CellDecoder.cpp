@@ -5,6 +5,7 @@
 #include "rds/WideDecimal.h"
 
 #include <array>
+#include <bit>
 
 namespace quillet::rds {
 
@@ -46,7 +47,7 @@ Value decimal(ByteReader& in, db::Arena& arena) {
 Value numeric(ByteReader in, db::Arena& arena) {
     WideDecimal number;
     in.skip(1); // precision
-    number.scale = static_cast<std::int8_t>(in.u8());
+    number.scale = std::bit_cast<std::int8_t>(in.u8());
     number.negative = in.u8() == 0;
     const std::string_view magnitude = in.rest();
     if (magnitude.size() > 16)
@@ -100,7 +101,9 @@ Value dbTimeStamp(ByteReader& in) {
 /// A VARIANT as it lies in memory: type, six bytes that mean nothing, eight of value. A decimal
 /// takes the place of all but the type.
 Value variant(ByteReader in, db::Arena& arena) {
-    constexpr std::uint16_t Null = 1, Int = 0x16, UInt = 0x17;
+    constexpr std::uint16_t Null = 1;
+    constexpr std::uint16_t Int = 0x16;
+    constexpr std::uint16_t UInt = 0x17;
     const std::uint16_t type = in.u16();
     if (type == static_cast<std::uint16_t>(DataType::Decimal))
         return decimal(in, arena);

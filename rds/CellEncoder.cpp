@@ -75,7 +75,8 @@ unsigned takeNumber(std::string_view& text, unsigned last, char separator) {
 
 /// Reads YYYY-MM-DD, HH:MM:SS with an optional fraction, or both with a blank or "T" between.
 db::DateTime parseDateTime(std::string_view text) {
-    constexpr std::size_t DateSize = 10, TimeSize = 8;
+    constexpr std::size_t DateSize = 10;
+    constexpr std::size_t TimeSize = 8;
     db::DateTime result;
     result.year = 1899;
     result.month = 12;
@@ -284,8 +285,10 @@ void CellEncoder::decimal(const Value& value, ByteWriter& out) const {
 
 void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     WideDecimal number = exact(value);
+    // Every value tells its own scale: one that has no room for all the column's decimals does
+    // not need them.
     if (scale_ >= 0)
-        number.rescale(scale_);
+        number.tryRescale(scale_);
     std::array<char, 16> room{};
     std::string_view magnitude = magnitudeBytes(number, room);
     if (type_ == DataType::VarNumeric) {

@@ -52,7 +52,8 @@ std::int64_t nanosecondsOf(const db::DateTime& value) {
 } // namespace
 
 db::DateTime dateTimeOfOleDate(double value) {
-    constexpr double First = -657434, Behind = 2958466; // 0100-01-01, 10000-01-01
+    constexpr double First = -657434;  // 0100-01-01
+    constexpr double Behind = 2958466; // 10000-01-01
     if (!(value > First - 1 && value < Behind))
         failOverflow();
     constexpr std::int64_t MillisecondsPerDay = 86'400'000;

@@ -9,7 +9,7 @@ namespace quillet::rds {
 /// An OLE Automation date, days since 1899-12-30, as a date-time, to the millisecond. The
 /// fraction is the time of day and counts forward before that day too: -1.5 is 1899-12-29 12:00.
 /// @throws db::Error 6 (overflow) outside of the years 100 to 9999.
-db::DateTime dateTimeOfOleDate(double days);
+db::DateTime dateTimeOfOleDate(double value);
 
 /// @throws db::Error 6 when the date does not exist.
 double oleDateOf(const db::DateTime& value);

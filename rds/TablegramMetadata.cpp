@@ -2,7 +2,6 @@
 
 #include "db/Error.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -35,9 +34,11 @@ constexpr std::array<FixedType, 21> FixedTypes{{
 }};
 
 const FixedType* fixedType(DataType type) noexcept {
-    const auto found = std::find_if(FixedTypes.begin(), FixedTypes.end(),
-                                    [type](const FixedType& entry) { return entry.type == type; });
-    return found == FixedTypes.end() ? nullptr : &*found;
+    for (const FixedType& entry : FixedTypes) {
+        if (entry.type == type)
+            return &entry;
+    }
+    return nullptr;
 }
 
 bool holdsCharacters(DataType type) noexcept {

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::size_t PieceSize = 64 * 1024;
+constexpr std::size_t PieceSize = std::size_t{64} * 1024;
 
 // Identifiers, property sets and their default values as the cursor service of database servers
 // sends them (MS-ADTG 2.2.3.14.3.7 and example 4.5).

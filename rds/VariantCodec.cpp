@@ -30,8 +30,11 @@ struct ElementForm {
 };
 
 ElementForm formOf(VarType type) {
-    constexpr std::uint16_t HasType = 0x0080, Strings = 0x0100, Unknowns = 0x0200,
-                            Dispatches = 0x0400, Variants = 0x0800;
+    constexpr std::uint16_t HasType = 0x0080;
+    constexpr std::uint16_t Strings = 0x0100;
+    constexpr std::uint16_t Unknowns = 0x0200;
+    constexpr std::uint16_t Dispatches = 0x0400;
+    constexpr std::uint16_t Variants = 0x0800;
     switch (type) {
     case VarType::Empty:
     case VarType::Null:
@@ -144,8 +147,8 @@ void write(const VariantArray& array, ByteWriter& out);
 void writeContent(const Variant& value, ByteWriter& out) {
     struct Writer {
         ByteWriter& out;
-        void operator()(Empty) const {}
-        void operator()(Null) const {}
+        void operator()(Empty /*nothing*/) const {}
+        void operator()(Null /*nothing*/) const {}
         void operator()(std::int16_t number) const { out.i16(number); }
         void operator()(std::int32_t number) const { out.i32(number); }
         void operator()(float number) const { out.r4(number); }

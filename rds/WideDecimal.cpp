@@ -102,19 +102,25 @@ WideDecimal WideDecimal::parse(std::string_view text) {
 }
 
 void WideDecimal::rescale(int newScale) {
-    for (; scale < newScale; ++scale) {
-        if (isZero()) {
-            scale = newScale;
-            return;
-        }
-        if (!multiplyAdd(limbs, 10, 0))
-            failOverflow();
+    if (!tryRescale(newScale))
+        failOverflow();
+}
+
+bool WideDecimal::tryRescale(int newScale) noexcept {
+    WideDecimal result = *this;
+    while (result.scale < newScale && !isZero()) {
+        if (!multiplyAdd(result.limbs, 10, 0))
+            return false;
+        ++result.scale;
     }
     std::uint32_t lastDropped = 0;
-    for (; scale > newScale; --scale)
-        lastDropped = divide(limbs, 10);
+    for (; result.scale > newScale; --result.scale)
+        lastDropped = divide(result.limbs, 10);
     if (lastDropped >= 5)
-        multiplyAdd(limbs, 1, 1);
+        multiplyAdd(result.limbs, 1, 1);
+    result.scale = newScale;
+    *this = result;
+    return true;
 }
 
 bool WideDecimal::isZero() const noexcept {

@@ -25,6 +25,10 @@ struct WideDecimal {
     /// @throws db::Error 6 when the magnitude no longer fits.
     void rescale(int newScale);
 
+    /// The same, but where rescale() throws this one leaves the number as it is.
+    /// @return whether the number has the scale now.
+    bool tryRescale(int newScale) noexcept;
+
     bool isZero() const noexcept;
     std::uint64_t low64() const noexcept { return limbs[0] | std::uint64_t{limbs[1]} << 32U; }
     bool fits64() const noexcept { return limbs[2] == 0 && limbs[3] == 0; }
