@@ -2,9 +2,9 @@
 
 #include "db/CaseInsensitive.h"
 #include "db/ConnectionString.h"
-#include "db/OdbcEngine.h"
 #include "db/Paths.h"
-#include "db/SqliteEngine.h"
+#include "db/odbc/OdbcEngine.h"
+#include "db/sqlite/SqliteEngine.h"
 
 #include <string_view>
 #include <utility>

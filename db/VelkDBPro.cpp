@@ -96,7 +96,14 @@ void VelkDBPro::PUT_DATA_TABLE(const StatementArray& SQL, std::int16_t /*transac
     passingOver([this] { Conn.BeginTrans(); });
     for (std::size_t i = 1; i < SQL.size(); ++i)
         passingOver([&] { Conn.Execute(SQL[i]); });
-    passingOver([this] { Conn.CommitTrans(); });
+    passingOver([this] {
+        try {
+            Conn.CommitTrans();
+        } catch (const Error&) {
+            Conn.RollbackTrans(); // or the next batch would find this one's transaction open
+            throw;
+        }
+    });
     succeed();
 }
 

@@ -5,7 +5,7 @@
 #include "headoffice/QueryObject.h"
 #include "headoffice/RequestLog.h"
 #include "rds/CallServer.h"
-#include "rds/HttpServer.h"
+#include "rds/http/HttpServer.h"
 
 #include <cstdint>
 #include <iosfwd>

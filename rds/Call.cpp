@@ -4,8 +4,8 @@
 #include "rds/MessageFormat.h"
 #include "rds/MessageReader.h"
 #include "rds/MessageWriter.h"
-#include "rds/TablegramWriter.h"
 #include "rds/VariantCodec.h"
+#include "rds/tablegram/TablegramWriter.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "rds/ByteWriter.h"
-#include "rds/TablegramMetadata.h"
 #include "rds/Variant.h"
+#include "rds/tablegram/TablegramMetadata.h"
 
 #include <cstddef>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "db/Cursor.h"
 #include "rds/Call.h"
-#include "rds/HttpServer.h"
+#include "rds/http/HttpServer.h"
 
 #include <chrono>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rds/HttpClient.h"
 #include "rds/RemoteObject.h"
+#include "rds/http/HttpClient.h"
 
 #include <string>
 

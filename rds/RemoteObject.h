@@ -2,8 +2,8 @@
 
 #include "db/Recordset.h"
 #include "rds/Call.h"
-#include "rds/HttpClient.h"
 #include "rds/Variant.h"
+#include "rds/http/HttpClient.h"
 
 #include <cstdint>
 #include <string>

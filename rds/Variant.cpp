@@ -1,8 +1,8 @@
 #include "rds/Variant.h"
 
 #include "db/Error.h"
-#include "rds/OleDate.h"
-#include "rds/WideDecimal.h"
+#include "rds/tablegram/OleDate.h"
+#include "rds/tablegram/WideDecimal.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
 #include "rds/VariantCodec.h"
 
 #include "db/Utf16.h"
-#include "rds/TablegramReader.h"
-#include "rds/TablegramWriter.h"
+#include "rds/tablegram/TablegramReader.h"
+#include "rds/tablegram/TablegramWriter.h"
 
 #include <algorithm>
 

@@ -51,7 +51,7 @@ setup_build() {
         targets+=(--target "$target")
     done
     (cd "$setup__root" && cmake --build --preset "$preset" "${targets[@]}") |
-        { grep -v -e '^ninja: no work' -e '^\[[0-9/]*\]' || true; }
+        { grep -v -e '^ninja: no work' -e '^\[[0-9/]*\]' -e '^-- ' || true; }
 }
 
 setup_display() {

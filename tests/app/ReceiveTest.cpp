@@ -2,6 +2,7 @@
 
 #include "db/Paths.h"
 #include "tests/support/Counter.h"
+#include "tests/support/TamperingProxy.h"
 #include "tests/support/TestHeadOffice.h"
 
 #include <QCoreApplication>
@@ -207,6 +208,45 @@ TEST_F(ReceiveTest, ServerFailuresAreTheGroupsAndWriteNothing) {
     std::filesystem::remove_all(counter_.folder / "log");
     counter_.start();
     EXPECT_EQ(counter_.downloadLog(), "no folder") << "it is not created";
+}
+
+TEST_F(ReceiveTest, NothingOfABrokenReplyIsUsed) {
+    for (int i = 100; i < 130; ++i)
+        category(std::to_string(i) + "000000000000", "분류", "'Y'", "'A402'");
+    const auto downloadLogAfter = [&](const tests::TamperingProxy::Tamper& tamper) {
+        const tests::TamperingProxy proxy(headOffice_->address(), tamper);
+        counter_.settings.SaveSetting("HALDREN", "Settings", "1차서버", proxy.address());
+        std::filesystem::remove_all(counter_.folder / "log");
+        std::filesystem::create_directory(counter_.folder / "log");
+        counter_.start();
+        EXPECT_TRUE(counter_.isWindowOpen());
+        EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다");
+        EXPECT_THAT(kinds(), IsEmpty());
+        EXPECT_THAT(counter_.rows("SELECT * FROM UPD"), IsEmpty());
+        return counter_.downloadLog();
+    };
+    // Replies: 1 the time, 2 the price option, 3 the categories.
+    const auto third = [](auto change) {
+        return [change](int number, std::string reply) {
+            return number == 3 ? change(std::move(reply)) : reply;
+        };
+    };
+    EXPECT_THAT(downloadLogAfter(third([](std::string reply) {
+                    reply.resize(reply.size() / 2);
+                    return reply;
+                })),
+                HasSubstr("cut short"));
+    EXPECT_THAT(downloadLogAfter(third([](std::string reply) {
+                    reply.resize(reply.size() - 1);
+                    return reply;
+                })),
+                StartsWith("품목분류 자료수신\r\n"));
+    EXPECT_THAT(downloadLogAfter(third([](const std::string&) {
+                    return "HTTP/1.1 500 Oops\r\nContent-Length: 0\r\n\r\n";
+                })),
+                HasSubstr("500"));
+    EXPECT_THAT(downloadLogAfter([](int, const std::string&) { return "no HTTP at all\r\n"; }),
+                HasSubstr("\r\n462\r\n"));
 }
 
 TEST_F(ReceiveTest, AStoreThatCannotBeUsedSaysWhy) {

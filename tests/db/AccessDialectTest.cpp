@@ -1,8 +1,8 @@
-#include "db/AccessDialect.h"
+#include "db/sqlite/AccessDialect.h"
 
-#include "db/AccessFunctions.h"
+#include "db/sqlite/AccessFunctions.h"
 #include "db/Error.h"
-#include "db/SqliteHandle.h"
+#include "db/sqlite/SqliteHandle.h"
 
 #include <gtest/gtest.h>
 

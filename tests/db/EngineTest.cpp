@@ -1,8 +1,8 @@
 #include "db/Connection.h"
 #include "db/Paths.h"
 #include "db/Recordset.h"
-#include "db/SqliteEngine.h"
-#include "db/SqliteHandle.h"
+#include "db/sqlite/SqliteEngine.h"
+#include "db/sqlite/SqliteHandle.h"
 #include "db/Transaction.h"
 #include "tests/support/TempFolder.h"
 

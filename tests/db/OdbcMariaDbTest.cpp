@@ -156,6 +156,22 @@ TEST_F(OdbcMariaDbTest, ReadsZeroDatesAsNullAndOddTimesNotAtAll) {
     EXPECT_FALSE(connection_.Errors().empty());
 }
 
+TEST_F(OdbcMariaDbTest, KnowsWhereANullCanComeFromANotNullColumn) {
+    create("a INT NOT NULL, b VARCHAR(5) NOT NULL, c DATETIME NOT NULL");
+    connection_.Execute("INSERT INTO engine_test VALUES (1, '', '0000-00-00 00:00:00')");
+    Recordset rows;
+    rows.Open("SELECT x.a, x.b, x.c, y.a, y.b, y.c FROM engine_test x "
+              "LEFT JOIN engine_test y ON y.a = x.a + 1",
+              connection_);
+    ASSERT_EQ(rows.RecordCount(), 1);
+    // Declared not nullable, such a Null would break the reply in which it travels.
+    for (std::size_t column = 0; column < rows.Fields().size(); ++column)
+        EXPECT_TRUE(rows.Fields()[column].nullable || !rows.Item(column).isNull()) << column;
+    EXPECT_EQ(rows.Item(1).kind(), Value::Kind::Text);
+    EXPECT_TRUE(rows.Item(2).isNull());
+    EXPECT_TRUE(rows.Item(4).isNull());
+}
+
 TEST_F(OdbcMariaDbTest, ReadsRowsAcrossBlocks) {
     create("N INT PRIMARY KEY, V VARCHAR(50), D DECIMAL(10,2), L TEXT");
     connection_.Execute(

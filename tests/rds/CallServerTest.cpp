@@ -2,7 +2,7 @@
 
 #include "db/Error.h"
 #include "rds/DataSpace.h"
-#include "rds/HttpServer.h"
+#include "rds/http/HttpServer.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
@@ -159,7 +159,7 @@ TEST_F(CallServerTest, ChangesOnlyTheArgumentsThatComeBack) {
 
 TEST_F(CallServerTest, RefusesWhatIsNoCall) {
     const auto ask = [&](const char* request) {
-        return test::RawClient(http_.port()).ask(request);
+        return tests::RawClient(http_.port()).ask(request);
     };
     EXPECT_THAT(ask("GET /msadc/msadcs.dll/odd.object.Getsql HTTP/1.1\r\n\r\n"),
                 StartsWith("HTTP/1.1 405 "));

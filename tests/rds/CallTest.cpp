@@ -17,10 +17,10 @@ namespace {
 
 using namespace quillet;
 using namespace quillet::rds;
-using quillet::test::bytes;
-using quillet::test::hex;
-using quillet::test::RowsCursor;
-namespace vectors = quillet::test::vectors;
+using quillet::tests::bytes;
+using quillet::tests::hex;
+using quillet::tests::RowsCursor;
+namespace vectors = quillet::tests::vectors;
 
 const std::string Boundary = "abcdefghij0123456789";
 const Variant SqlId = Variant::string("SQL-ID-001");

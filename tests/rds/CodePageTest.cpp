@@ -1,4 +1,4 @@
-#include "rds/CodePage.h"
+#include "rds/tablegram/CodePage.h"
 
 #include "db/Error.h"
 #include "tests/support/Hex.h"
@@ -10,8 +10,8 @@
 namespace {
 
 using quillet::rds::CodePage;
-using quillet::test::bytes;
-using quillet::test::hex;
+using quillet::tests::bytes;
+using quillet::tests::hex;
 
 std::string toUtf8(const CodePage& codePage, const std::string& text) {
     std::string out(3 * text.size(), '\0');

@@ -1,4 +1,4 @@
-#include "rds/HttpClient.h"
+#include "rds/http/HttpClient.h"
 
 #include "db/Error.h"
 #include "tests/support/ScriptedServer.h"
@@ -14,8 +14,8 @@ namespace {
 
 using namespace quillet;
 using namespace std::chrono_literals;
-using quillet::test::ScriptedServer;
-using quillet::test::sendRaw;
+using quillet::tests::ScriptedServer;
+using quillet::tests::sendRaw;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 
@@ -72,9 +72,9 @@ TEST(HttpClient, ReadsEveryFormOfReply) {
         SCOPED_TRACE(form);
         ScriptedServer atOnce("body", reply);
         EXPECT_EQ(impatientClient().post(atOnce.address(), Path, "body"), "hello");
-        ScriptedServer byteByByte([&](test::tcp::socket& socket) {
-            test::receiveUntil(socket, "body");
-            socket.set_option(test::tcp::no_delay(true));
+        ScriptedServer byteByByte([&](tests::tcp::socket& socket) {
+            tests::receiveUntil(socket, "body");
+            socket.set_option(tests::tcp::no_delay(true));
             for (const char c : reply) {
                 sendRaw(socket, std::string_view(&c, 1));
                 std::this_thread::sleep_for(1ms);
@@ -114,10 +114,10 @@ TEST(HttpClient, RefusesCutAndWrongReplies) {
 }
 
 TEST(HttpClient, ReadsTheReplyOfAServerThatDoesNotWantTheBody) {
-    ScriptedServer server([](test::tcp::socket& socket) {
-        test::receiveRaw(socket, 1);
+    ScriptedServer server([](tests::tcp::socket& socket) {
+        tests::receiveRaw(socket, 1);
         sendRaw(socket, "HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
-        test::receiveRaw(socket);
+        tests::receiveRaw(socket);
     });
     EXPECT_THAT(failureOf(server.address()), HasSubstr("403 Forbidden"));
 }
@@ -137,16 +137,16 @@ TEST(HttpClient, NamesWhatKeepsItFromTheServer) {
 }
 
 TEST(HttpClient, WaitsForBytesNotForTheWhole) {
-    ScriptedServer silent([](test::tcp::socket& socket) {
+    ScriptedServer silent([](tests::tcp::socket& socket) {
         sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\nhel");
-        test::receiveRaw(socket);
+        tests::receiveRaw(socket);
     });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(failureOf(silent.address()), HasSubstr("no answer in time"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
 
-    ScriptedServer slow([](test::tcp::socket& socket) {
-        test::receiveUntil(socket, "body");
+    ScriptedServer slow([](tests::tcp::socket& socket) {
+        tests::receiveUntil(socket, "body");
         sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\n");
         for (int i = 0; i < 5; ++i) {
             std::this_thread::sleep_for(500ms);

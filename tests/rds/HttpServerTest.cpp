@@ -1,7 +1,7 @@
-#include "rds/HttpServer.h"
+#include "rds/http/HttpServer.h"
 
 #include "db/Error.h"
-#include "rds/HttpClient.h"
+#include "rds/http/HttpClient.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +19,7 @@ namespace {
 
 using namespace quillet;
 using namespace std::chrono_literals;
-using quillet::test::RawClient;
+using quillet::tests::RawClient;
 using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -165,8 +165,8 @@ TEST(HttpServer, OutlivesClientsThatGoAway) {
     });
     {
         RawClient client(server.port());
-        test::sendRaw(client.socket(), "GET /endless HTTP/1.1\r\n\r\n");
-        test::receiveRaw(client.socket(), 1000);
+        tests::sendRaw(client.socket(), "GET /endless HTTP/1.1\r\n\r\n");
+        tests::receiveRaw(client.socket(), 1000);
     }
     EXPECT_EQ(number.get_future().get(), 462);
     EXPECT_EQ(rds::HttpClient().post(server.address(), "/", "body"), "well");
@@ -187,7 +187,7 @@ TEST(HttpServer, StopsAfterTheRequestsUnderWay) {
     server.stop();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
     EXPECT_EQ(call.get(), "answered");
-    EXPECT_EQ(test::receiveRaw(idle.socket()), "");
+    EXPECT_EQ(tests::receiveRaw(idle.socket()), "");
     EXPECT_THAT(errorOf(server.address()), HasSubstr("refused"));
 }
 

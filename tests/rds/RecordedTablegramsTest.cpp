@@ -1,4 +1,4 @@
-#include "rds/TablegramReader.h"
+#include "rds/tablegram/TablegramReader.h"
 #include "tests/support/Hex.h"
 
 #include <gmock/gmock.h>
@@ -139,7 +139,7 @@ std::string inXml(const db::Value& value, const std::string& expected) {
                                                        : text + expected.substr(expected.find('.'));
     }
     case Kind::Binary: {
-        std::string text = test::hex(value.bytes());
+        std::string text = tests::hex(value.bytes());
         std::transform(text.begin(), text.end(), text.begin(), [](char c) {
             return c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
         });

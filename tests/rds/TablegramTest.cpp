@@ -1,8 +1,8 @@
 #include "db/Error.h"
-#include "rds/CellDecoder.h"
-#include "rds/CellEncoder.h"
-#include "rds/TablegramReader.h"
-#include "rds/TablegramWriter.h"
+#include "rds/tablegram/CellDecoder.h"
+#include "rds/tablegram/CellEncoder.h"
+#include "rds/tablegram/TablegramReader.h"
+#include "rds/tablegram/TablegramWriter.h"
 #include "tests/support/Hex.h"
 #include "tests/support/RowsCursor.h"
 
@@ -18,9 +18,9 @@ using namespace quillet;
 using namespace quillet::rds;
 using db::DataType;
 using db::Value;
-using quillet::test::bytes;
-using quillet::test::hex;
-using quillet::test::RowsCursor;
+using quillet::tests::bytes;
+using quillet::tests::hex;
+using quillet::tests::RowsCursor;
 
 constexpr std::uint32_t Fixed = columnflag::FixedLength;
 constexpr std::uint32_t Nulls = columnflag::Nullable;

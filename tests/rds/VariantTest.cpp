@@ -14,8 +14,8 @@ namespace {
 
 using namespace quillet;
 using namespace quillet::rds;
-using quillet::test::bytes;
-using quillet::test::hex;
+using quillet::tests::bytes;
+using quillet::tests::hex;
 
 std::string encoded(const Variant& value) {
     ByteWriter out;

@@ -2,7 +2,7 @@
 
 #include "tests/support/Hex.h"
 
-namespace quillet::test::vectors {
+namespace quillet::tests::vectors {
 
 std::string queryRequest() {
     return bytes(
@@ -248,4 +248,4 @@ std::string pingReply() {
         "u'PONG' 0D0A '--abcdefghij0123456789--' 0D0A");
 }
 
-} // namespace quillet::test::vectors
+} // namespace quillet::tests::vectors

@@ -4,7 +4,7 @@
 
 /// HTTP bodies of whole messages. Those of MS-ADTG section 4 were recorded from a database server;
 /// the others are of the calls that this system makes.
-namespace quillet::test::vectors {
+namespace quillet::tests::vectors {
 
 /// MS-ADTG 4.1, with the zero bytes that its publication lost.
 std::string queryRequest();
@@ -57,4 +57,4 @@ std::string pingRequest();
 /// Its reply, a string.
 std::string pingReply();
 
-} // namespace quillet::test::vectors
+} // namespace quillet::tests::vectors

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// Bytes from a readable text: pairs of hex digits, `'...'` for ASCII characters and `u'...'` for
 /// the same in UTF-16LE. Blanks between them do not count.
@@ -45,4 +45,4 @@ inline std::string hex(std::string_view bytes) {
     return result;
 }
 
-} // namespace quillet::test
+} // namespace quillet::tests

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 /// A cursor over rows made by hand. What the values borrow must outlive it.
 class RowsCursor : public db::Cursor {
@@ -25,4 +25,4 @@ private:
     std::size_t row_ = 0;
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

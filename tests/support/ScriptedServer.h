@@ -12,7 +12,7 @@
 #include <thread>
 #include <utility>
 
-namespace quillet::test {
+namespace quillet::tests {
 
 using boost::asio::ip::tcp;
 
@@ -105,4 +105,4 @@ private:
     tcp::socket socket_{context_};
 };
 
-} // namespace quillet::test
+} // namespace quillet::tests

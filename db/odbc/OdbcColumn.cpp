@@ -1,0 +1,244 @@
+#include "db/odbc/OdbcColumn.h"
+
+#include "db/Utf16.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+namespace quillet::db {
+
+namespace {
+
+constexpr std::uint32_t NoLimit = 0xFFFFFFFF;
+
+/// Longer texts (in characters) and bytes are fetched piece by piece.
+constexpr SQLULEN LongestBound = 4000;
+
+struct Description {
+    SQLSMALLINT sqlType = 0;
+    SQLULEN size = 0;
+    SQLSMALLINT digits = 0;
+    bool isUnsigned = false;
+};
+
+template <typename T>
+T read(std::string_view cell) {
+    T result{};
+    std::memcpy(&result, cell.data(), std::min(sizeof result, cell.size()));
+    return result;
+}
+
+SQLLEN numericAttribute(const OdbcHandle& statement, SQLUSMALLINT number, SQLUSMALLINT attribute) {
+    SQLLEN value = 0;
+    if (!SQL_SUCCEEDED(
+            SQLColAttributeW(statement.get(), number, attribute, nullptr, 0, nullptr, &value)))
+        return 0;
+    return value;
+}
+
+void asFixed(OdbcColumn& column, DataType type, std::uint32_t definedSize, std::uint8_t precision,
+             SQLSMALLINT cType, std::size_t cellSize) {
+    column.field.Type = type;
+    column.field.DefinedSize = definedSize;
+    column.field.Precision = precision;
+    column.field.fixedLength = true;
+    column.cType = cType;
+    column.cellSize = cellSize;
+}
+
+void asInteger(OdbcColumn& column, DataType signedType, DataType unsignedType, bool isUnsigned,
+               std::uint32_t bytes, std::uint8_t precision) {
+    // Drivers of old databases do not know the 64-bit C types.
+    const bool wide = bytes == 8;
+    const SQLSMALLINT signedC = wide ? SQL_C_SBIGINT : SQL_C_SLONG;
+    const SQLSMALLINT unsignedC = wide ? SQL_C_UBIGINT : SQL_C_ULONG;
+    asFixed(column, isUnsigned ? unsignedType : signedType, bytes, precision,
+            isUnsigned ? unsignedC : signedC, wide ? 8 : 4);
+}
+
+/// Texts and bytes do not count as of fixed length even where the column is: drivers deliver them
+/// without their padding, and a padded one could not be told from one that ends in blanks.
+void asVariable(OdbcColumn& column, DataType type, const Description& described,
+                SQLLEN octetLength) {
+    column.field.Type = type;
+    const bool bytes = type == DataType::Binary;
+    const bool limited = described.size > 0 && described.size < NoLimit / 2;
+    column.field.DefinedSize = limited ? static_cast<std::uint32_t>(described.size) : NoLimit;
+    if (type == DataType::Char && limited && octetLength > 0)
+        column.field.DefinedSize =
+            std::max(column.field.DefinedSize, static_cast<std::uint32_t>(octetLength));
+    column.cType = bytes ? SQL_C_BINARY : SQL_C_WCHAR;
+    if (!limited || described.size > LongestBound)
+        return;
+    // A character may take two units of UTF-16.
+    column.cellSize = bytes ? described.size : (2 * described.size + 1) * sizeof(SQLWCHAR);
+}
+
+void setNumeric(OdbcColumn& column, const Description& described) {
+    // Room for the sign, the point and the terminator.
+    asFixed(column, DataType::Numeric, 19,
+            static_cast<std::uint8_t>(std::min<SQLULEN>(described.size, 254)), SQL_C_CHAR,
+            described.size + 8);
+    column.field.NumericScale =
+        static_cast<std::uint8_t>(std::clamp<int>(described.digits, 0, 254));
+}
+
+void setTimestamp(OdbcColumn& column, const Description& described) {
+    const int digits = std::clamp<int>(described.digits, 0, 9);
+    // "YYYY-MM-DD HH:MM:SS", and a point where digits follow.
+    asFixed(column, DataType::DBTimeStamp, 16,
+            static_cast<std::uint8_t>(digits > 0 ? 20 + digits : 19), SQL_C_TYPE_TIMESTAMP,
+            sizeof(SQL_TIMESTAMP_STRUCT));
+    column.field.NumericScale = static_cast<std::uint8_t>(digits);
+}
+
+void setType(OdbcColumn& column, const Description& described, SQLLEN octetLength) {
+    switch (described.sqlType) {
+    case SQL_BIT:
+        return asFixed(column, DataType::Boolean, 2, 0xFF, SQL_C_BIT, 1);
+    case SQL_TINYINT:
+        return asInteger(column, DataType::TinyInt, DataType::UnsignedTinyInt, described.isUnsigned,
+                         1, 3);
+    case SQL_SMALLINT:
+        return asInteger(column, DataType::SmallInt, DataType::UnsignedSmallInt,
+                         described.isUnsigned, 2, 5);
+    case SQL_INTEGER:
+        return asInteger(column, DataType::Integer, DataType::UnsignedInt, described.isUnsigned, 4,
+                         10);
+    case SQL_BIGINT:
+        return asInteger(column, DataType::BigInt, DataType::UnsignedBigInt, described.isUnsigned,
+                         8, described.isUnsigned ? 20 : 19);
+    case SQL_REAL:
+        return asFixed(column, DataType::Single, 4, 7, SQL_C_FLOAT, sizeof(float));
+    case SQL_FLOAT:
+    case SQL_DOUBLE:
+        return asFixed(column, DataType::Double, 8, 15, SQL_C_DOUBLE, sizeof(double));
+    case SQL_DECIMAL:
+    case SQL_NUMERIC:
+        return setNumeric(column, described);
+    case SQL_TYPE_DATE:
+        return asFixed(column, DataType::DBDate, 6, 10, SQL_C_TYPE_DATE, sizeof(SQL_DATE_STRUCT));
+    case SQL_TYPE_TIME:
+        return asFixed(column, DataType::DBTime, 6, 8, SQL_C_TYPE_TIME, sizeof(SQL_TIME_STRUCT));
+    case SQL_TYPE_TIMESTAMP:
+        return setTimestamp(column, described);
+    case SQL_GUID:
+        return asFixed(column, DataType::Guid, 16, 0xFF, SQL_C_GUID, 16);
+    case SQL_LONGVARBINARY:
+        column.field.longValue = true;
+        [[fallthrough]];
+    case SQL_BINARY:
+    case SQL_VARBINARY:
+        return asVariable(column, DataType::Binary, described, octetLength);
+    case SQL_LONGVARCHAR:
+        column.field.longValue = true;
+        [[fallthrough]];
+    case SQL_CHAR:
+    case SQL_VARCHAR:
+        return asVariable(column, DataType::Char, described, octetLength);
+    case SQL_WLONGVARCHAR:
+        column.field.longValue = true;
+        [[fallthrough]];
+    default: // SQL_WCHAR and SQL_WVARCHAR; a type unknown here reads as text
+        return asVariable(column, DataType::WChar, described, octetLength);
+    }
+}
+
+DateTime dateOf(SQLSMALLINT year, SQLUSMALLINT month, SQLUSMALLINT day) {
+    DateTime result;
+    result.year = year;
+    result.month = static_cast<std::uint8_t>(month);
+    result.day = static_cast<std::uint8_t>(day);
+    return result;
+}
+
+void setTime(DateTime& value, SQLUSMALLINT hour, SQLUSMALLINT minute, SQLUSMALLINT second) {
+    value.hour = static_cast<std::uint8_t>(hour);
+    value.minute = static_cast<std::uint8_t>(minute);
+    value.second = static_cast<std::uint8_t>(second);
+}
+
+/// Brings a driver's decimal into its plain form: a point, and a digit in front of it.
+Value decimalOf(std::string_view text, char* room) {
+    char* out = room;
+    if (!text.empty() && text.front() == '-')
+        *out++ = '-';
+    if (!text.empty() && (text.front() == '-' || text.front() == '+'))
+        text.remove_prefix(1);
+    if (text.empty() || text.front() == '.' || text.front() == ',')
+        *out++ = '0';
+    out = std::transform(text.begin(), text.end(), out, [](char c) { return c == ',' ? '.' : c; });
+    return Value::decimal({room, static_cast<std::size_t>(out - room)});
+}
+
+} // namespace
+
+OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number) {
+    OdbcColumn column;
+    Description described;
+    std::array<SQLWCHAR, 512> name{};
+    SQLSMALLINT nameLength = 0;
+    SQLSMALLINT nullable = SQL_NULLABLE_UNKNOWN;
+    statement.check(SQLDescribeColW(
+        statement.get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()), &nameLength,
+        &described.sqlType, &described.size, &described.digits, &nullable));
+    described.isUnsigned = numericAttribute(statement, number, SQL_DESC_UNSIGNED) == SQL_TRUE;
+    const auto units = static_cast<std::size_t>(std::max<SQLSMALLINT>(nameLength, 0));
+    column.field.Name = utf8OfOdbc(name.data(), std::min(units, name.size() - 1));
+    column.field.nullable = nullable != SQL_NO_NULLS;
+    setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH));
+    // A zero date reads as Null even where the column allows none.
+    if (column.cType == SQL_C_TYPE_DATE || column.cType == SQL_C_TYPE_TIMESTAMP)
+        column.field.nullable = true;
+    return column;
+}
+
+Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
+    switch (column.cType) {
+    case SQL_C_BIT:
+        return Value::boolean(read<unsigned char>(cell) != 0);
+    case SQL_C_SLONG:
+        return Value::integer(read<SQLINTEGER>(cell));
+    case SQL_C_ULONG:
+        return Value::unsignedInteger(read<SQLUINTEGER>(cell));
+    case SQL_C_SBIGINT:
+        return Value::integer(read<std::int64_t>(cell));
+    case SQL_C_UBIGINT:
+        return Value::unsignedInteger(read<std::uint64_t>(cell));
+    case SQL_C_FLOAT:
+        return Value::single(read<float>(cell));
+    case SQL_C_DOUBLE:
+        return Value::real(read<double>(cell));
+    case SQL_C_CHAR:
+        return decimalOf(cell, room);
+    case SQL_C_TYPE_DATE: {
+        const auto raw = read<SQL_DATE_STRUCT>(cell);
+        const DateTime date = dateOf(raw.year, raw.month, raw.day);
+        return date.month == 0 || date.day == 0 ? Value() : Value::date(date);
+    }
+    case SQL_C_TYPE_TIME: {
+        const auto raw = read<SQL_TIME_STRUCT>(cell);
+        DateTime time;
+        setTime(time, raw.hour, raw.minute, raw.second);
+        return Value::time(time);
+    }
+    case SQL_C_TYPE_TIMESTAMP: {
+        const auto raw = read<SQL_TIMESTAMP_STRUCT>(cell);
+        DateTime moment = dateOf(raw.year, raw.month, raw.day);
+        setTime(moment, raw.hour, raw.minute, raw.second);
+        moment.nanosecond = raw.fraction;
+        return moment.month == 0 || moment.day == 0 ? Value() : Value::dateTime(moment);
+    }
+    case SQL_C_GUID:
+        std::memcpy(room, cell.data(), cell.size());
+        return Value::guid({room, cell.size()});
+    case SQL_C_BINARY:
+        return Value::binary(cell);
+    default:
+        return Value::text({room, utf16LeToUtf8(cell.data(), cell.size() / 2, room)});
+    }
+}
+
+} // namespace quillet::db

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "db/Field.h"
+#include "db/Value.h"
+#include "db/odbc/OdbcHandle.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace quillet::db {
+
+/// A column of an ODBC result: what it is, and how its cells are fetched.
+struct OdbcColumn {
+    Field field;
+    SQLSMALLINT cType = SQL_C_WCHAR;
+
+    /// Bytes of one cell, a text's terminator included; 0 when there is no bound worth reserving
+    /// memory for.
+    std::size_t cellSize = 0;
+};
+
+/// Describes a column of an executed statement.
+/// @param number counted from 1.
+OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number);
+
+/// Bytes of UTF-8 that the text of a cell can take.
+/// @param size bytes of the cell, without a terminator.
+constexpr std::size_t odbcTextRoom(std::size_t size) {
+    return size / 2 * 3 + 1;
+}
+
+/// A fetched cell as a value. Zero dates, which MySQL has and nothing else knows, are Null.
+/// @param cell the bytes that the driver has written, without a terminator.
+/// @param room memory of odbcTextRoom() bytes for texts and decimals; the value borrows from it.
+Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room);
+
+} // namespace quillet::db

@@ -1,0 +1,172 @@
+#include "db/odbc/OdbcCursor.h"
+
+#include "db/Error.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace quillet::db {
+
+namespace {
+
+constexpr std::size_t FirstPiece = 16 * 1024;
+
+bool isVariable(SQLSMALLINT cType) {
+    return cType == SQL_C_WCHAR || cType == SQL_C_CHAR || cType == SQL_C_BINARY;
+}
+
+std::size_t terminatorOf(SQLSMALLINT cType) {
+    if (cType == SQL_C_WCHAR)
+        return sizeof(SQLWCHAR);
+    return cType == SQL_C_CHAR ? 1 : 0;
+}
+
+[[noreturn]] void truncated(const Field& field) {
+    throw providerError("01004", "A value of column '" + field.Name +
+                                     "' is longer than the driver said it could be.");
+}
+
+} // namespace
+
+void executeOdbc(const OdbcHandle& statement, const std::string& text) {
+    if (text.find('\0') != std::string::npos)
+        throw providerError("42000", "Syntax error: the statement holds a NUL character.");
+    OdbcText units(text);
+    const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), units.size());
+    if (result == SQL_NEED_DATA)
+        throw providerError("07002", "The statement has parameters; nothing is bound to them.");
+    statement.check(result);
+}
+
+OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source)
+    : statement_(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection) {
+    executeOdbc(statement_, source);
+    SQLSMALLINT count = 0;
+    statement_.check(SQLNumResultCols(statement_.get(), &count));
+    std::size_t rowSize = 0;
+    inBlocks_ = count > 0;
+    atEnd_ = count <= 0;
+    for (SQLUSMALLINT number = 1; number <= count; ++number) {
+        columns_.push_back(describeOdbcColumn(statement_, number));
+        fields_.push_back(columns_.back().field);
+        rowSize += columns_.back().cellSize;
+        inBlocks_ = inBlocks_ && columns_.back().cellSize != 0;
+    }
+    buffers_.resize(columns_.size());
+    if (inBlocks_)
+        bindBlock(rowSize);
+}
+
+void OdbcCursor::bindBlock(std::size_t rowSize) {
+    std::size_t rows = std::clamp<std::size_t>(BlockBytes / rowSize, 1, BlockRows);
+    SQLHSTMT statement = statement_.get();
+    if (!SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE, odbcAttribute(rows), 0)))
+        rows = 1;
+    rowStatus_.resize(rows);
+    statement_.check(
+        SQLSetStmtAttrW(statement, SQL_ATTR_ROW_STATUS_PTR, rowStatus_.data(), SQL_IS_POINTER));
+    statement_.check(
+        SQLSetStmtAttrW(statement, SQL_ATTR_ROWS_FETCHED_PTR, &fetched_, SQL_IS_POINTER));
+    for (std::size_t column = 0; column < columns_.size(); ++column)
+        bindColumn(column, rows);
+}
+
+void OdbcCursor::bindColumn(std::size_t column, std::size_t rows) {
+    const OdbcColumn& description = columns_[column];
+    Buffer& buffer = buffers_[column];
+    buffer.cells.resize(rows * description.cellSize);
+    buffer.indicators.resize(rows);
+    buffer.room.resize(odbcTextRoom(description.cellSize));
+    statement_.check(SQLBindCol(
+        statement_.get(), static_cast<SQLUSMALLINT>(column + 1), description.cType,
+        buffer.cells.data(), static_cast<SQLLEN>(description.cellSize), buffer.indicators.data()));
+}
+
+bool OdbcCursor::next() {
+    if (atEnd_)
+        return false;
+    atEnd_ = !(inBlocks_ ? nextOfBlock() : nextByCell());
+    return !atEnd_;
+}
+
+bool OdbcCursor::nextOfBlock() {
+    if (row_ + 1 < fetched_) {
+        ++row_;
+    } else {
+        row_ = 0;
+        fetched_ = 0;
+        if (statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA)
+            return false;
+        fetched_ = std::max<SQLULEN>(fetched_, 1);
+    }
+    checkRow();
+    return true;
+}
+
+void OdbcCursor::checkRow() const {
+    if (rowStatus_[row_] == SQL_ROW_ERROR)
+        throw statement_.diagnostics();
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+        const OdbcColumn& description = columns_[column];
+        const SQLLEN length = buffers_[column].indicators[row_];
+        const std::size_t room = description.cellSize - terminatorOf(description.cType);
+        if (!isVariable(description.cType) || length == SQL_NULL_DATA)
+            continue;
+        if (length < 0 || static_cast<std::size_t>(length) > room)
+            truncated(fields_[column]);
+    }
+}
+
+bool OdbcCursor::nextByCell() {
+    if (statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA)
+        return false;
+    for (std::size_t column = 0; column < columns_.size(); ++column)
+        readCell(column);
+    return true;
+}
+
+/// Reads one cell in as many pieces as it takes.
+void OdbcCursor::readCell(std::size_t column) {
+    Buffer& buffer = buffers_[column];
+    const std::size_t terminator = terminatorOf(columns_[column].cType);
+    if (buffer.cells.empty())
+        buffer.cells.resize(columns_[column].cellSize != 0 ? columns_[column].cellSize
+                                                           : FirstPiece);
+    buffer.indicators.assign(1, SQL_NULL_DATA);
+    for (std::size_t have = 0;;) {
+        SQLLEN left = 0;
+        const SQLRETURN result = statement_.check(SQLGetData(
+            statement_.get(), static_cast<SQLUSMALLINT>(column + 1), columns_[column].cType,
+            buffer.cells.data() + have, static_cast<SQLLEN>(buffer.cells.size() - have), &left));
+        if (result == SQL_NO_DATA || left == SQL_NULL_DATA) {
+            if (have != 0)
+                buffer.indicators[0] = static_cast<SQLLEN>(have);
+            break;
+        }
+        const std::size_t piece = buffer.cells.size() - have - terminator;
+        if (left != SQL_NO_TOTAL && static_cast<std::size_t>(left) <= piece) {
+            buffer.indicators[0] = static_cast<SQLLEN>(have + static_cast<std::size_t>(left));
+            break;
+        }
+        have += piece;
+        const std::size_t more =
+            left == SQL_NO_TOTAL ? have : static_cast<std::size_t>(left) - piece;
+        buffer.cells.resize(have + more + terminator);
+    }
+    buffer.room.resize(std::max(buffer.room.size(), odbcTextRoom(buffer.cells.size())));
+}
+
+Value OdbcCursor::value(std::size_t column) const {
+    const OdbcColumn& description = columns_[column];
+    Buffer& buffer = buffers_[column];
+    const std::size_t row = inBlocks_ ? row_ : 0;
+    const SQLLEN length = buffer.indicators[row];
+    if (length == SQL_NULL_DATA)
+        return {};
+    const char* const cell = buffer.cells.data() + (inBlocks_ ? row * description.cellSize : 0);
+    const std::size_t size =
+        isVariable(description.cType) ? static_cast<std::size_t>(length) : description.cellSize;
+    return odbcValue(description, {cell, size}, buffer.room.data());
+}
+
+} // namespace quillet::db

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "db/Cursor.h"
+#include "db/odbc/OdbcColumn.h"
+#include "db/odbc/OdbcHandle.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillet::db {
+
+/// Runs one statement; its rows, if any, stay to be fetched.
+/// @throws Error with the driver's records, or 42000 for a NUL character in the text.
+void executeOdbc(const OdbcHandle& statement, const std::string& text);
+
+/// Rows of a query on an ODBC database.
+///
+/// Where every column has a modest bound, the driver writes a block of rows at a time straight into
+/// bound memory. One column without a bound turns the whole result to reading cell by cell, since
+/// few drivers allow both at once.
+class OdbcCursor final : public Cursor {
+public:
+    /// Memory that a block of rows should take, and the most rows in it.
+    static constexpr std::size_t BlockBytes = 256 * 1024;
+    static constexpr std::size_t BlockRows = 256;
+
+    /// Runs the query.
+    OdbcCursor(SQLHDBC connection, const std::string& source);
+
+    const FieldList& fields() const override { return fields_; }
+    bool next() override;
+    Value value(std::size_t column) const override;
+
+private:
+    struct Buffer {
+        std::vector<char> cells;        ///< of all rows of the block, or of one long cell
+        std::vector<SQLLEN> indicators; ///< one per row of the block
+        std::vector<char> room;         ///< see odbcValue(); written to by value()
+    };
+
+    void bindBlock(std::size_t rowSize);
+    void bindColumn(std::size_t column, std::size_t rows);
+    bool nextOfBlock();
+    void checkRow() const;
+    bool nextByCell();
+    void readCell(std::size_t column);
+
+    OdbcHandle statement_;
+    std::vector<OdbcColumn> columns_;
+    FieldList fields_;
+    mutable std::vector<Buffer> buffers_;
+    std::vector<SQLUSMALLINT> rowStatus_;
+    SQLULEN fetched_ = 0; ///< rows in the block; the driver writes it
+    std::size_t row_ = 0; ///< current row of the block
+    bool inBlocks_ = false;
+    bool atEnd_ = false;
+};
+
+} // namespace quillet::db

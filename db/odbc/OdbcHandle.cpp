@@ -1,0 +1,77 @@
+#include "db/odbc/OdbcHandle.h"
+
+#include "db/Utf16.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace quillet::db {
+
+namespace {
+
+std::vector<ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
+    std::vector<ErrorRecord> records;
+    std::vector<SQLWCHAR> message(512);
+    for (SQLSMALLINT number = 1;;) {
+        SQLWCHAR state[SQL_SQLSTATE_SIZE + 1] = {};
+        SQLINTEGER native = 0;
+        SQLSMALLINT length = 0;
+        const SQLRETURN result =
+            SQLGetDiagRecW(type, handle, number, state, &native, message.data(),
+                           static_cast<SQLSMALLINT>(message.size()), &length);
+        if (!SQL_SUCCEEDED(result))
+            break;
+        const auto units = static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0));
+        constexpr std::size_t Largest = 16384;
+        if (units >= message.size() && message.size() < Largest) {
+            message.resize(std::min(units + 1, Largest));
+            continue;
+        }
+        ErrorRecord record;
+        record.SqlState = utf8OfOdbc(state, SQL_SQLSTATE_SIZE);
+        record.Description = utf8OfOdbc(message.data(), std::min(units, message.size() - 1));
+        record.Number = numberOfSqlState(record.SqlState);
+        records.push_back(std::move(record));
+        ++number;
+    }
+    if (records.empty())
+        records.push_back(
+            {number::Unspecified, "The ODBC driver failed without a reason.", "HY000"});
+    return records;
+}
+
+} // namespace
+
+OdbcHandle::OdbcHandle(SQLSMALLINT type, SQLSMALLINT parentType, SQLHANDLE parent) : type_(type) {
+    if (!SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_)))
+        throw Error(diagnosticRecords(parentType, parent));
+}
+
+OdbcHandle::~OdbcHandle() {
+    SQLFreeHandle(type_, handle_);
+}
+
+SQLRETURN OdbcHandle::check(SQLRETURN result) const {
+    if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA)
+        throw diagnostics();
+    return result;
+}
+
+Error OdbcHandle::diagnostics() const {
+    return Error(diagnosticRecords(type_, handle_));
+}
+
+OdbcEnvironment::OdbcEnvironment() : handle_(SQL_HANDLE_ENV, SQL_HANDLE_ENV, SQL_NULL_HANDLE) {
+    handle_.check(
+        SQLSetEnvAttr(handle_.get(), SQL_ATTR_ODBC_VERSION, odbcAttribute(SQL_OV_ODBC3), 0));
+}
+
+OdbcText::OdbcText(std::string_view utf8) : units_(toUtf16(utf8)) {}
+
+std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t count) {
+    return toUtf8({reinterpret_cast<const char16_t*>(units), count});
+}
+
+} // namespace quillet::db

@@ -1,0 +1,135 @@
+#include "db/sqlite/SqliteEngine.h"
+
+#include "db/Error.h"
+#include "db/Paths.h"
+#include "db/sqlite/AccessDialect.h"
+#include "db/sqlite/AccessFunctions.h"
+#include "db/sqlite/SqliteCursor.h"
+#include "db/sqlite/SqliteHandle.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <limits>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace quillet::db {
+
+namespace {
+
+/// @throws Error unless the file looks like an SQLite database. SQLite by itself would take an
+///         empty file for a new database and say little about the others.
+void requireStore(const std::filesystem::path& file) {
+    const auto refuse = [&file](const std::string& why) {
+        throw providerError("08001", "The store database '" + textOf(file) + "' " + why);
+    };
+    std::error_code ignored;
+    if (!std::filesystem::exists(file, ignored))
+        refuse("does not exist.");
+    if (std::filesystem::is_directory(file, ignored))
+        refuse("is a folder, not a database.");
+    std::ifstream stream(file, std::ios::binary);
+    std::array<char, 20> head{};
+    stream.read(head.data(), head.size());
+    if (!stream.is_open() || stream.bad())
+        refuse("cannot be read.");
+    const std::string_view read(head.data(), static_cast<std::size_t>(stream.gcount()));
+    if (read.empty())
+        refuse("is empty.");
+    const std::string_view accessName = read.substr(std::min<std::size_t>(4, read.size()));
+    if (accessName.starts_with("Standard Jet DB") || accessName.starts_with("Standard ACE DB"))
+        refuse("is a Microsoft Access database, and this machine has no Access ODBC driver to open "
+               "it with.");
+    if (!read.starts_with(std::string_view("SQLite format 3\0", 16)))
+        refuse("is not a database.");
+}
+
+SqliteDatabase openStore(const std::filesystem::path& file) {
+    requireStore(file);
+    sqlite3* opened = nullptr;
+    const int result =
+        sqlite3_open_v2(textOf(file).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+    SqliteDatabase database(opened);
+    int checked = result;
+    if (result == SQLITE_OK)
+        checked =
+            sqlite3_exec(opened, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr) & 0xFF;
+    // A lock of the POS program is no reason to refuse the file; a statement will wait for it.
+    if (checked != SQLITE_OK && checked != SQLITE_BUSY)
+        throw providerError("08001", "The store database '" + textOf(file) +
+                                         "' cannot be opened: " +
+                                         (opened ? sqlite3_errmsg(opened) : "out of memory"));
+    sqlite3_busy_timeout(opened, static_cast<int>(SqliteEngine::BusyTimeout.count()));
+    addAccessFunctions(opened);
+    return database;
+}
+
+} // namespace
+
+struct SqliteEngine::Database {
+    explicit Database(const std::filesystem::path& file) : handle(openStore(file)) {}
+
+    SqliteStatement prepare(const std::string& statement) {
+        const std::string& sql = translateAccessSql(statement, translated);
+        if (sql.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
+            throw providerError("42000", "The statement is too long.");
+        sqlite3_stmt* prepared = nullptr;
+        const char* rest = nullptr;
+        // With the terminating NUL counted in, SQLite need not copy the text.
+        const int result = sqlite3_prepare_v2(handle.get(), sql.c_str(),
+                                              static_cast<int>(sql.size() + 1), &prepared, &rest);
+        SqliteStatement owner(prepared);
+        if (result != SQLITE_OK)
+            throw sqliteError(handle.get());
+        if (std::string_view(rest).find_first_not_of(" \t\r\n\f") != std::string_view::npos)
+            throw providerError("42000", "Characters found after end of SQL statement.");
+        if (!owner)
+            throw providerError("42000", "Invalid SQL statement; expected 'DELETE', 'INSERT', "
+                                         "'PROCEDURE', 'SELECT', or 'UPDATE'.");
+        if (const int parameters = sqlite3_bind_parameter_count(prepared); parameters != 0)
+            throw providerError("07002",
+                                "Too few parameters. Expected " + std::to_string(parameters) + ".");
+        return owner;
+    }
+
+    SqliteDatabase handle;
+    std::string translated;
+};
+
+SqliteEngine::SqliteEngine(const std::filesystem::path& file)
+    : database_(std::make_unique<Database>(file)) {}
+
+SqliteEngine::~SqliteEngine() = default;
+
+void SqliteEngine::execute(const std::string& statement) {
+    const SqliteStatement prepared = database_->prepare(statement);
+    while (stepSqlite(prepared.get())) {
+    }
+}
+
+std::unique_ptr<Cursor> SqliteEngine::query(const std::string& source) {
+    return std::make_unique<SqliteCursor>(database_->prepare(source));
+}
+
+void SqliteEngine::begin() {
+    transaction_.requireNone();
+    execute("BEGIN IMMEDIATE");
+    transaction_.begun();
+}
+
+void SqliteEngine::commit() {
+    transaction_.requireActive();
+    execute("COMMIT");
+    transaction_.ended();
+}
+
+void SqliteEngine::rollback() {
+    transaction_.requireActive();
+    if (sqlite3_get_autocommit(database_->handle.get()) == 0)
+        execute("ROLLBACK");
+    transaction_.ended();
+}
+
+} // namespace quillet::db

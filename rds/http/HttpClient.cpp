@@ -1,0 +1,252 @@
+#include "rds/http/HttpClient.h"
+
+#include "db/Error.h"
+#include "rds/http/TimedStream.h"
+
+#include <boost/asio/connect.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/buffer_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace quillet::rds {
+
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = beast::http;
+using asio::ip::tcp;
+using boost::system::error_code;
+using Clock = std::chrono::steady_clock;
+using Endpoints = std::vector<tcp::endpoint>;
+
+constexpr std::uint64_t MaxReplyBody = std::uint64_t{1} << 30U;
+constexpr std::uint64_t MaxReserve = std::uint64_t{64} << 20U;
+constexpr std::uint32_t MaxReplyHead = 64U << 10U;
+constexpr int MaxInterimReplies = 32;
+constexpr std::size_t PieceSize = 64U << 10U;
+
+struct ServerAddress {
+    std::string host;
+    std::uint16_t port = 80;
+};
+
+std::optional<std::uint16_t> portOf(std::string_view text) {
+    std::uint16_t port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    if (error != std::errc() || end != text.data() + text.size() || port == 0)
+        return std::nullopt;
+    return port;
+}
+
+/// "host", "host:port", "[v6]", "[v6]:port" or a bare IPv6 address.
+std::optional<ServerAddress> addressOf(std::string_view server) {
+    for (const char c : server) {
+        if (static_cast<unsigned char>(c) <= ' ' || c == '/' || c == 0x7F)
+            return std::nullopt;
+    }
+    std::string_view host = server;
+    std::string_view port;
+    if (server.starts_with('[')) {
+        const std::size_t bracket = server.find(']');
+        if (bracket == std::string_view::npos)
+            return std::nullopt;
+        host = server.substr(1, bracket - 1);
+        port = server.substr(bracket + 1);
+    } else if (const std::size_t colon = server.find(':');
+               colon != std::string_view::npos && colon == server.rfind(':')) {
+        host = server.substr(0, colon);
+        port = server.substr(colon);
+    }
+    if (host.empty())
+        return std::nullopt;
+    ServerAddress address{std::string(host)};
+    if (!port.empty()) {
+        const auto number = port.front() == ':' ? portOf(port.substr(1)) : std::nullopt;
+        if (!number)
+            return std::nullopt;
+        address.port = *number;
+    }
+    return address;
+}
+
+/// All addresses of a host. The system's look-up cannot be interrupted: one that takes too long
+/// is left to end on its own.
+std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::duration timeout) {
+    error_code notNumeric;
+    const auto numeric = asio::ip::make_address(server.host, notNumeric);
+    if (!notNumeric)
+        return {error_code(), {tcp::endpoint(numeric, server.port)}};
+
+    std::promise<std::pair<error_code, Endpoints>> promise;
+    auto found = promise.get_future();
+    std::thread([server, promise = std::move(promise)]() mutable {
+        try {
+            asio::io_context context;
+            error_code error;
+            const auto results = tcp::resolver(context).resolve(
+                server.host, std::to_string(server.port), tcp::resolver::numeric_service, error);
+            promise.set_value({error, Endpoints(results.begin(), results.end())});
+        } catch (...) {
+            promise.set_exception(std::current_exception());
+        }
+    }).detach();
+    if (found.wait_for(timeout) != std::future_status::ready)
+        return {beast::error::timeout, {}};
+    return found.get();
+}
+
+/// One request and its reply over a connection of its own.
+class Exchange {
+public:
+    Exchange(std::string server, HttpClient::Timeouts timeouts)
+        : server_(std::move(server)), timeouts_(timeouts) {}
+
+    void connect() {
+        const auto address = addressOf(server_);
+        if (!address)
+            fail("not a server address");
+        const auto deadline = Clock::now() + timeouts_.connect;
+        auto [error, endpoints] = lookUp(*address, timeouts_.connect);
+        if (!error && endpoints.empty())
+            error = asio::error::host_not_found;
+        // A dead address must not use up the time of those behind it.
+        for (std::size_t left = endpoints.size(); left > 0; --left) {
+            const tcp::endpoint& endpoint = endpoints[endpoints.size() - left];
+            const auto share = (deadline - Clock::now()) / static_cast<long>(left);
+            error = stream_.wait(share, [&](auto handler) {
+                stream_.stream().async_connect(endpoint, std::move(handler));
+            });
+            if (!error)
+                break;
+            stream_.stream().close();
+        }
+        if (error)
+            fail(reasonOf(error));
+        stream_.stream().socket().set_option(tcp::no_delay(true), error);
+    }
+
+    /// A server that refuses a request may answer and close before it has read it, so what a
+    /// failed send means is left to receive().
+    void send(const std::string& head, const std::string& body) {
+        const std::array<asio::const_buffer, 2> bytes{asio::buffer(head), asio::buffer(body)};
+        const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
+            asio::async_write(stream_.stream(), bytes, std::move(handler));
+        });
+        if (error == beast::error::timeout)
+            fail(reasonOf(error));
+    }
+
+    std::string receive() {
+        for (int replies = 0; replies <= MaxInterimReplies; ++replies) {
+            http::response_parser<http::buffer_body> parser;
+            parser.header_limit(MaxReplyHead);
+            parser.body_limit(MaxReplyBody);
+            const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
+                http::async_read_header(stream_.stream(), buffer_, parser, std::move(handler));
+            });
+            if (error)
+                fail(reasonOf(error));
+            const unsigned status = parser.get().result_int();
+            if (status >= 100 && status < 200 && status != 101)
+                continue;
+            if (status != 200)
+                fail("HTTP status " + std::to_string(status) + ' ' +
+                     printable(parser.get().reason()));
+            return receiveBody(parser);
+        }
+        fail("no final reply");
+    }
+
+    [[noreturn]] void fail(const std::string& reason) const {
+        throw db::Error(db::number::RemoteServerUnavailable,
+                        "The remote server machine does not exist or is unavailable: " + server_ +
+                            ": " + reason);
+    }
+
+private:
+    std::string receiveBody(http::response_parser<http::buffer_body>& parser) {
+        std::string body;
+        if (const auto length = parser.content_length())
+            body.reserve(static_cast<std::size_t>(std::min(*length, MaxReserve)));
+        const auto piece = std::make_unique<char[]>(PieceSize);
+        buffer_.reserve(PieceSize); // also the size in which Beast reads
+        while (!parser.is_done()) {
+            auto& target = parser.get().body();
+            target.data = piece.get();
+            target.size = PieceSize;
+            const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
+                http::async_read_some(stream_.stream(), buffer_, parser, std::move(handler));
+            });
+            if (error && error != http::error::need_buffer)
+                fail(reasonOf(error));
+            body.append(piece.get(), PieceSize - target.size);
+        }
+        return body;
+    }
+
+    template <typename Text>
+    static std::string printable(const Text& text) {
+        std::string result(text.data(), text.size());
+        for (char& c : result) {
+            if (c < ' ' || c > '~')
+                c = '?';
+        }
+        return result;
+    }
+
+    std::string server_;
+    HttpClient::Timeouts timeouts_;
+    TimedStream stream_;
+    beast::flat_buffer buffer_;
+};
+
+} // namespace
+
+std::string HttpClient::post(const std::string& server, const std::string& path,
+                             const std::string& body) {
+    try {
+        Exchange exchange(server, timeouts_);
+        exchange.connect();
+        exchange.send(requestHead(server, path, body.size()), body);
+        return exchange.receive();
+    } catch (const db::Error&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw db::Error(db::number::RemoteServerUnavailable,
+                        "The call to the remote server failed: " + std::string(error.what()));
+    }
+}
+
+std::string HttpClient::requestHead(const std::string& server, const std::string& path,
+                                    std::size_t contentLength) {
+    return "POST " + path +
+           " HTTP/1.1\r\n"
+           "User-Agent: ACTIVEDATA\r\n"
+           "Host: " +
+           server +
+           "\r\n"
+           "Content-Length: " +
+           std::to_string(contentLength) +
+           "\r\n"
+           "Connection: Keep-Alive\r\n"
+           "Cache-Control: no-cache\r\n"
+           "\r\n";
+}
+
+} // namespace quillet::rds

@@ -1,0 +1,56 @@
+#include "db/Error.h"
+#include "db/Utf16.h"
+#include "rds/ByteWriter.h"
+#include "rds/tablegram/CodePage.h"
+
+#include <windows.h>
+
+namespace quillet::rds {
+
+class CodePage::Impl {
+public:
+    unsigned number;
+};
+
+CodePage::CodePage(unsigned number) : impl_(std::make_unique<Impl>(Impl{number})) {
+    if (!IsValidCodePage(number))
+        throw db::Error(db::number::Unspecified,
+                        "The system does not know the code page " + std::to_string(number) + ".");
+}
+
+CodePage::~CodePage() = default;
+CodePage::CodePage(CodePage&&) noexcept = default;
+CodePage& CodePage::operator=(CodePage&&) noexcept = default;
+
+std::size_t CodePage::toUtf8(std::string_view bytes, char* out) const {
+    if (isAscii(bytes))
+        return bytes.copy(out, bytes.size());
+    // No code page needs more 16-bit units than bytes.
+    std::u16string wide(bytes.size(), u'\0');
+    const int units =
+        MultiByteToWideChar(impl_->number, 0, bytes.data(), static_cast<int>(bytes.size()),
+                            reinterpret_cast<wchar_t*>(wide.data()), static_cast<int>(wide.size()));
+    wide.resize(static_cast<std::size_t>(units));
+    return db::toUtf8(wide).copy(out, 3 * bytes.size());
+}
+
+std::size_t CodePage::appendFromUtf8(std::string_view utf8, std::string& out) const {
+    if (isAscii(utf8)) {
+        out.append(utf8);
+        return utf8.size();
+    }
+    const std::u16string wide = db::toUtf16(utf8);
+    const auto* units = reinterpret_cast<const wchar_t*>(wide.data());
+    const int count = static_cast<int>(wide.size());
+    // A default character may not be named for UTF-8, which lacks none.
+    const char* defaultCharacter = impl_->number == CP_UTF8 ? nullptr : "?";
+    const int size =
+        WideCharToMultiByte(impl_->number, 0, units, count, nullptr, 0, defaultCharacter, nullptr);
+    const std::size_t before = out.size();
+    out.resize(before + static_cast<std::size_t>(size));
+    WideCharToMultiByte(impl_->number, 0, units, count, out.data() + before, size, defaultCharacter,
+                        nullptr);
+    return static_cast<std::size_t>(size);
+}
+
+} // namespace quillet::rds
