@@ -5,6 +5,7 @@
 #   setup_build PRESET [TARGET ...]
 #                             configure and build; sets BUILD_DIR
 #   setup_display DIR         show windows on the user's display, or on a virtual one of our own
+#   setup_display_is_virtual  whether nobody can see it
 #   setup_display_stop        end the virtual display, if there is one
 
 setup__root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -75,6 +76,8 @@ setup_display() {
     DISPLAY=:$(cat "$number_file")
     export DISPLAY QT_QPA_PLATFORM=xcb XAUTHORITY=$authority
 }
+
+setup_display_is_virtual() { [[ -n $setup__xvfb ]]; }
 
 setup_display_stop() {
     [[ -n $setup__xvfb ]] || return 0
