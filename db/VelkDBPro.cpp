@@ -39,7 +39,8 @@ void VelkDBPro::succeed() {
 
 void VelkDBPro::failWithErrors() {
     StatusFlag = 0;
-    for (const ErrorRecord& record : Conn.Errors()) {
+    const std::vector<ErrorRecord>& Errs = Conn.Errors();
+    for (const ErrorRecord& record : Errs) {
         if (!ErrText.empty())
             ErrText += "\r\n";
         ErrText += record.Description + "[" + std::to_string(record.Number) + "]";

@@ -30,10 +30,10 @@ void RequestLog::write(const rds::CallRecord& record) {
     std::string line = record.peer + ' ' + record.target + ' ';
     if (!record.summary.empty())
         line += record.summary + ", ";
-    if (!record.error.empty())
-        line += record.error + ", ";
     line +=
         std::to_string(record.elapsed.count()) + " ms, " + std::to_string(record.bytes) + " bytes";
+    if (!record.error.empty())
+        line += ", " + record.error;
     const std::lock_guard lock(mutex_);
     out_ << db::dateTimeText(clock_()) << ' ' << withoutSecrets(line) << std::endl;
 }

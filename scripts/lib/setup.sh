@@ -8,6 +8,8 @@
 #   setup_display_is_virtual  whether nobody can see it
 #   setup_display_stop        end the virtual display, if there is one
 
+export LC_ALL=C.UTF-8 # Korean in texts and file names, wherever this runs
+
 setup__root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 setup__xvfb=''
 

@@ -28,7 +28,7 @@ TEST(RequestLog, WritesOneLineWithoutPasswords) {
     EXPECT_EQ(out.str(),
               "2024-05-01 09:08:07 127.0.0.1:50012 quorin.data.Getsql 12 rows, 3 ms, 4567 bytes\n"
               "2024-05-01 09:08:07 127.0.0.1:50012 quorin.data.Getsql "
-              "error 1: bad  PWD=***;uid=y, 3 ms, 4567 bytes\n");
+              "3 ms, 4567 bytes, error 1: bad  PWD=***;uid=y\n");
 
     EXPECT_EQ(headoffice::withoutSecrets("a;pwd={p;}}q};b;Password=r"), "a;pwd=***;b;Password=***");
     EXPECT_EQ(headoffice::withoutSecrets("PWD={open;b"), "PWD=***");
