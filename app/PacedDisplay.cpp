@@ -18,7 +18,7 @@ void PacedControl::show() {
 }
 
 LabelControl::LabelControl(PacedDisplay& display, QLabel& widget)
-    : PacedControl(display), widget_(widget) {}
+    : PacedControl(display), widget_(widget), caption_(widget.text().toStdString()) {}
 
 void LabelControl::SetCaption(const std::string& caption) {
     caption_ = caption;

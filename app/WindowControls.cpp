@@ -1,6 +1,5 @@
 #include "app/WindowControls.h"
 
-#include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -53,9 +52,6 @@ WindowControls::WindowControls(QWidget& window, const QString& version) {
     lbl_MSG->setMinimumHeight(TouchHeight);
     lbl_MSG->setAlignment(Qt::AlignCenter);
     lbl_MSG->setWordWrap(true);
-    lbl_MSG->setFrameShape(QFrame::StyledPanel);
-    lbl_MSG->setAutoFillBackground(true);
-    lbl_MSG->setBackgroundRole(QPalette::Base);
     lbl_MSG->setAccessibleName(QStringLiteral("수신 상태"));
     layout->addWidget(lbl_MSG);
     layout->addStretch(1);
@@ -117,7 +113,7 @@ QWidget* WindowControls::progress() {
     for (const std::size_t slash : {3U, 4U})
         Label2[slash] = label(QStringLiteral("/"), TextSize);
     for (std::size_t i = 0; i < Label3.size(); ++i) {
-        Label3[i] = label(QString(), TextSize, i == 1 || i == 3);
+        Label3[i] = label(QStringLiteral("0"), TextSize, i == 1 || i == 3);
         nameIt(*Label3[i], "Label3", i);
     }
     for (std::size_t i = 0; i < Label2.size(); ++i)

@@ -21,7 +21,7 @@ setup__packages=(
     # tests
     libgtest-dev libgmock-dev
     # a display, a picture of it, Korean letters
-    xvfb xauth x11-utils imagemagick fonts-nanum sqlite3
+    xvfb xauth x11-apps x11-utils imagemagick fonts-nanum sqlite3
 )
 
 setup__say() { printf '== %s\n' "$*"; }
