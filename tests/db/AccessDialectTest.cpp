@@ -1,7 +1,7 @@
 #include "db/sqlite/AccessDialect.h"
 
-#include "db/sqlite/AccessFunctions.h"
 #include "db/Error.h"
+#include "db/sqlite/AccessFunctions.h"
 #include "db/sqlite/SqliteHandle.h"
 
 #include <gtest/gtest.h>

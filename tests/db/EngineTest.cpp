@@ -1,9 +1,9 @@
 #include "db/Connection.h"
 #include "db/Paths.h"
 #include "db/Recordset.h"
+#include "db/Transaction.h"
 #include "db/sqlite/SqliteEngine.h"
 #include "db/sqlite/SqliteHandle.h"
-#include "db/Transaction.h"
 #include "tests/support/TempFolder.h"
 
 #include <gmock/gmock.h>
