@@ -47,6 +47,12 @@ frm_Quillet::frm_Quillet(WindowSurroundings surroundings)
     setAttribute(Qt::WA_DeleteOnClose, false);
     connect(controls_.Cmd1[0], &QPushButton::clicked, this, &frm_Quillet::startButton);
     connect(controls_.Cmd1[1], &QPushButton::clicked, this, &QWidget::close);
+    // Coming back from another program; closing a message box of our own does not count.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) {
+                if (state == Qt::ApplicationActive && isVisible())
+                    QTimer::singleShot(0, this, &frm_Quillet::Form_Activate);
+            });
     Form_Load();
 }
 
@@ -66,7 +72,7 @@ void frm_Quillet::Form_Load() {
 void frm_Quillet::Form_Activate() {
     if (activated_ || activating_)
         return;
-    activating_ = true; // a message box activates the window again when it closes
+    activating_ = true;
     bool opened = false;
     openStoreDatabase(opened);
     if (opened) {
@@ -185,13 +191,6 @@ void frm_Quillet::setHourglass(bool on) {
 void frm_Quillet::inform(const std::string& text, const std::string& title) {
     controls_.display.refresh();
     QMessageBox::information(this, QString::fromStdString(title), lines(text));
-}
-
-bool frm_Quillet::event(QEvent* event) {
-    const bool handled = QWidget::event(event);
-    if (event->type() == QEvent::WindowActivate && isVisible())
-        QTimer::singleShot(0, this, &frm_Quillet::Form_Activate);
-    return handled;
 }
 
 void frm_Quillet::showEvent(QShowEvent* event) {

@@ -24,7 +24,6 @@ std::function<void()> pauseForDemonstration() {
 int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillet"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Quillet"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
     QFont font = QApplication::font();
     font.setFamilies({QStringLiteral("Malgun Gothic"), QStringLiteral("NanumGothic"),

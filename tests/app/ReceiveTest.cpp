@@ -5,8 +5,7 @@
 #include "tests/support/TamperingProxy.h"
 #include "tests/support/TestHeadOffice.h"
 
-#include <QCoreApplication>
-#include <QEvent>
+#include <QGuiApplication>
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
@@ -322,9 +321,8 @@ TEST_F(ReceiveTest, StartUpReadsTheSettingsInItsWay) {
     std::filesystem::rename(counter_.folder / "포스/food.MDB", counter_.folder / "food.MDB");
     EXPECT_THAT(kinds(), ElementsAre("0101|밥류|1|0"));
     // Coming to the front again runs nothing.
-    QEvent activation(QEvent::WindowActivate);
     counter_.window->show();
-    QCoreApplication::sendEvent(counter_.window.get(), &activation);
+    Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
     QCoreApplication::processEvents();
     EXPECT_TRUE(counter_.isWindowOpen());
     EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
