@@ -30,7 +30,7 @@ struct WindowSurroundings {
 ///
 /// Everything runs on the window's thread. Closing it during a run takes effect when the run has
 /// ended, so that a transaction is never torn.
-class frm_Quillet : public QWidget, private ReceiveView {
+class frm_Quillet final : public QWidget, private ReceiveView {
     Q_OBJECT
 
 public:

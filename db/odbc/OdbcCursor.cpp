@@ -9,7 +9,7 @@ namespace quillet::db {
 
 namespace {
 
-constexpr std::size_t FirstPiece = 16 * 1024;
+constexpr std::size_t FirstPiece = std::size_t{16} * 1024;
 
 bool isVariable(SQLSMALLINT cType) {
     return cType == SQL_C_WCHAR || cType == SQL_C_CHAR || cType == SQL_C_BINARY;
@@ -58,7 +58,7 @@ OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source)
 }
 
 void OdbcCursor::bindBlock(std::size_t rowSize) {
-    std::size_t rows = std::clamp<std::size_t>(BlockBytes / rowSize, 1, BlockRows);
+    std::size_t rows = std::clamp<std::size_t>(BlockBytes / std::max<std::size_t>(rowSize, 1), 1, BlockRows);
     SQLHSTMT statement = statement_.get();
     if (!SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE, odbcAttribute(rows), 0)))
         rows = 1;

@@ -23,7 +23,7 @@ void executeOdbc(const OdbcHandle& statement, const std::string& text);
 class OdbcCursor final : public Cursor {
 public:
     /// Memory that a block of rows should take, and the most rows in it.
-    static constexpr std::size_t BlockBytes = 256 * 1024;
+    static constexpr std::size_t BlockBytes = std::size_t{256} * 1024;
     static constexpr std::size_t BlockRows = 256;
 
     /// Runs the query.

@@ -47,7 +47,7 @@ Value decimal(ByteReader& in, db::Arena& arena) {
 Value numeric(ByteReader in, db::Arena& arena) {
     WideDecimal number;
     in.skip(1); // precision
-    number.scale = std::bit_cast<std::int8_t>(in.u8());
+    number.scale = static_cast<int>(std::bit_cast<std::int8_t>(in.u8()));
     number.negative = in.u8() == 0;
     const std::string_view magnitude = in.rest();
     if (magnitude.size() > 16)
