@@ -1,8 +1,7 @@
-#include "db/Connection.h"
-#include "db/Recordset.h"
 #include "db/Transaction.h"
+#include "tests/db/Queries.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstdlib>
 #include <string>
@@ -10,6 +9,9 @@
 
 namespace quillet::db {
 namespace {
+
+using tests::cells;
+using tests::sqlStateOf;
 
 /// Needs a MariaDB or MySQL server: QUILLET_TEST_MARIADB is an ODBC connection string to a database
 /// in which the tests may make tables.
@@ -128,31 +130,21 @@ TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
     EXPECT_FALSE(rows.Fields()[2].fixedLength);
     EXPECT_TRUE(rows.Fields()[3].longValue);
 
-    rows.Open("SELECT 0, ' ', CONCAT('가', V), NOW(), IF(V = '', ' ', V), '', COUNT(*), SUM(D),"
-              " NULL, LEFT('😀나다', 2) FROM engine_test",
-              connection_);
-    std::vector<std::string> texts;
-    for (std::size_t column = 0; column < rows.Fields().size(); ++column)
-        texts.push_back(rows.Item(column).toText());
-    EXPECT_EQ(rows.Item(3).kind(), Value::Kind::DateTime);
-    texts[3] = "now";
-    EXPECT_EQ(texts,
-              (std::vector<std::string>{"0", " ", "가", "now", " ", "", "1", "1.5", "", "😀나"}));
-    EXPECT_TRUE(rows.Item(8).isNull());
-    rows.Open("SELECT V FROM engine_test UNION SELECT '긴 다른 값' UNION SELECT NULL", connection_);
-    EXPECT_EQ(rows.RecordCount(), 3);
+    EXPECT_THAT(cells(connection_, "SELECT 0, ' ', CONCAT('가', V), IF(V = '', ' ', V), '', "
+                                   "COUNT(*), SUM(D), NULL, LEFT('😀나다', 2), NOW() FROM "
+                                   "engine_test"),
+                testing::StartsWith("0| |가| ||1|1.5|Null|😀나|20"));
+    EXPECT_EQ(cells(connection_, "SELECT V FROM engine_test UNION SELECT '긴 다른 값' UNION "
+                                 "SELECT NULL ORDER BY 1"),
+              "Null||긴 다른 값|");
 }
 
 TEST_F(OdbcMariaDbTest, ReadsZeroDatesAsNullAndOddTimesNotAtAll) {
     create("D DATE, T DATETIME, P DATE, O TIME");
     connection_.Execute("INSERT INTO engine_test VALUES (0, 0, '2024-00-00', '100:00:00')");
-    Recordset rows;
-    rows.Open("SELECT D, T, P, IF(D = '0000-00-00', '', D) FROM engine_test", connection_);
-    EXPECT_TRUE(rows.Item(0).isNull());
-    EXPECT_TRUE(rows.Item(1).isNull());
-    EXPECT_TRUE(rows.Item(2).isNull());
-    EXPECT_EQ(rows.Item(3).toText(), "");
-    EXPECT_THROW(rows.Open("SELECT O FROM engine_test", connection_), Error);
+    EXPECT_EQ(cells(connection_, "SELECT D, T, P, IF(D = '0000-00-00', '', D) FROM engine_test"),
+              "Null|Null|Null||");
+    EXPECT_THROW(cells(connection_, "SELECT O FROM engine_test"), Error);
     EXPECT_FALSE(connection_.Errors().empty());
 }
 
@@ -173,47 +165,31 @@ TEST_F(OdbcMariaDbTest, KnowsWhereANullCanComeFromANotNullColumn) {
 }
 
 TEST_F(OdbcMariaDbTest, ReadsRowsAcrossBlocks) {
-    create("N INT PRIMARY KEY, V VARCHAR(50), D DECIMAL(10,2), L TEXT");
+    create("N INT PRIMARY KEY, V VARCHAR(50), L TEXT");
     connection_.Execute(
         "INSERT INTO engine_test WITH RECURSIVE S AS (SELECT 1 N UNION ALL SELECT "
         "N + 1 FROM S WHERE N < 10000) SELECT N, IF(N % 3 = 0, NULL, CONCAT('상품 ',"
-        " N)), N / 4, IF(N % 5 = 0, NULL, N) FROM S");
-    for (const std::string columns : {"N, V, D", "N, V, D, L"}) {
-        Recordset rows;
-        rows.Open("SELECT " + columns + " FROM engine_test ORDER BY N", connection_);
-        ASSERT_EQ(rows.RecordCount(), 10000);
-        for (int n = 1; n <= 10000; ++n, rows.MoveNext()) {
-            ASSERT_EQ(rows.Item(0).asInteger(), n);
-            ASSERT_EQ(rows.Item(1).isNull(), n % 3 == 0);
-            ASSERT_EQ(rows.Item(1).toText(), n % 3 == 0 ? "" : "상품 " + std::to_string(n));
-            ASSERT_EQ(std::stod(rows.Item(2).toText()), n / 4.0);
-            if (rows.Fields().size() == 4) {
-                ASSERT_EQ(rows.Item(3).toText(), n % 5 == 0 ? "" : std::to_string(n));
-            }
-        }
+        " N)), IF(N % 5 = 0, NULL, N) FROM S");
+    std::string bound, unbound;
+    for (int n = 1; n <= 10000; ++n) {
+        const std::string number = std::to_string(n);
+        bound += number + "|" + (n % 3 == 0 ? "Null" : "상품 " + number) + "|";
+        unbound += number + "|" + (n % 5 == 0 ? "Null" : number) + "|";
     }
+    EXPECT_TRUE(cells(connection_, "SELECT N, V FROM engine_test ORDER BY N") == bound);
+    EXPECT_TRUE(cells(connection_, "SELECT N, L FROM engine_test ORDER BY N") == unbound);
     std::string text = "a"; // odd, so that pieces end inside surrogate pairs
     for (int i = 0; i < 15000; ++i)
         text += "😀";
     connection_.Execute("UPDATE engine_test SET L = '" + text + "' WHERE N = 2");
-    Recordset rows;
-    rows.Open("SELECT L FROM engine_test WHERE N BETWEEN 1 AND 3 ORDER BY N", connection_);
-    rows.MoveNext();
-    EXPECT_TRUE(rows.Item(0).toText() == text);
-    rows.MoveNext();
-    EXPECT_EQ(rows.Item(0).toText(), "3");
+    EXPECT_TRUE(cells(connection_, "SELECT L FROM engine_test WHERE N <= 3 ORDER BY N") ==
+                "1|" + text + "|3|");
 }
 
 TEST_F(OdbcMariaDbTest, ReportsErrorsAndRollsBack) {
     create("N INT PRIMARY KEY");
     const auto stateOf = [this](const std::string& statement) {
-        try {
-            connection_.Execute(statement);
-            return std::string("no error");
-        } catch (const Error& error) {
-            EXPECT_EQ(error.Number(), numberOfSqlState(error.providerRecords().front().SqlState));
-            return error.providerRecords().front().SqlState;
-        }
+        return sqlStateOf([&] { connection_.Execute(statement); });
     };
     {
         Transaction transaction(connection_);
@@ -223,9 +199,7 @@ TEST_F(OdbcMariaDbTest, ReportsErrorsAndRollsBack) {
         EXPECT_EQ(stateOf("INSERT INTO engine_test VALUES (2); DELETE FROM engine_test"), "42000");
         EXPECT_EQ(stateOf("DELETE FROM engine_test WHERE N = 99"), "no error");
     }
-    Recordset rows;
-    rows.Open("SELECT * FROM engine_test", connection_);
-    EXPECT_EQ(rows.RecordCount(), 0);
+    EXPECT_EQ(cells(connection_, "SELECT * FROM engine_test"), "");
 }
 
 } // namespace

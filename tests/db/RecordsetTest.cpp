@@ -11,13 +11,12 @@ namespace {
 
 Recordset recordsetOf(const std::vector<std::string>& codes,
                       TextComparison comparison = TextComparison::Access) {
-    Field code;
-    code.Name = "KIND_CODE";
-    code.comparison = comparison;
-    Field position;
-    position.Name = "POSITION";
-    position.Type = DataType::Integer;
-    Recordset recordset({code, position});
+    FieldList fields(2);
+    fields[0].Name = "KIND_CODE";
+    fields[0].comparison = comparison;
+    fields[1].Name = "POSITION";
+    fields[1].Type = DataType::Integer;
+    Recordset recordset(fields);
     std::int64_t row = 0;
     for (const std::string& text : codes) {
         Value* cells = recordset.addRow();
@@ -38,28 +37,22 @@ long found(Recordset& recordset, std::string_view criteria) {
     }
 }
 
-TEST(RecordsetTest, FindsForwardFromTheCurrentRow) {
-    Recordset rows = recordsetOf({"A", "B", "A", "NULL", "C", "A"});
-    EXPECT_EQ(found(rows, "KIND_CODE = 'A' "), 0);
-    EXPECT_EQ(found(rows, "KIND_CODE = 'A' "), 0) << "the current row counts";
-    rows.MoveNext();
-    EXPECT_EQ(found(rows, " KIND_CODE = 'A' "), 2) << "a blank in front does not matter";
-    rows.MoveNext();
-    EXPECT_EQ(found(rows, "kind_code='A'"), 5);
-    rows.MoveFirst();
-    rows.MoveNext();
-    EXPECT_EQ(found(rows, "KIND_CODE = 'B'"), 1);
-    rows.MoveNext();
-    EXPECT_EQ(found(rows, "KIND_CODE = 'B'"), -1) << "behind the current row there is none";
-    EXPECT_EQ(found(rows, "KIND_CODE = 'A'"), -number::NoCurrentRecord);
-    rows.MoveFirst();
-    EXPECT_EQ(found(rows, "KIND_CODE = ''"), -1) << "Null equals nothing";
-}
+TEST(RecordsetTest, FindsForwardAsTheColumnCompares) {
+    const auto foundFrom = [](int start, std::string_view criteria) {
+        Recordset rows = recordsetOf({"A", "B", "A", "NULL", "C", "A"});
+        while (start-- > 0)
+            rows.MoveNext();
+        return found(rows, criteria);
+    };
+    EXPECT_EQ(foundFrom(0, "KIND_CODE = 'A' "), 0) << "the current row counts";
+    EXPECT_EQ(foundFrom(1, " KIND_CODE = 'A' "), 2) << "a blank in front does not matter";
+    EXPECT_EQ(foundFrom(3, "kind_code='A'"), 5);
+    EXPECT_EQ(foundFrom(2, "KIND_CODE = 'B'"), -1) << "behind the current row there is none";
+    EXPECT_EQ(foundFrom(6, "KIND_CODE = 'A'"), -number::NoCurrentRecord);
+    EXPECT_EQ(foundFrom(0, "KIND_CODE = ''"), -1) << "Null equals nothing";
 
-TEST(RecordsetTest, ComparesAsTheColumnDoes) {
-    const std::vector<std::string> codes{"zo01 ", "ZO01", "ZO02"};
-    const auto position = [&](TextComparison rule, std::string_view criteria) {
-        Recordset rows = recordsetOf(codes, rule);
+    const auto position = [](TextComparison rule, std::string_view criteria) {
+        Recordset rows = recordsetOf({"zo01 ", "ZO01", "ZO02"}, rule);
         return found(rows, criteria);
     };
     EXPECT_EQ(position(TextComparison::Access, "KIND_CODE = 'ZO01'"), 0);
@@ -123,10 +116,7 @@ TEST(ValueTest, ReadsAsThePlatformConvertsIt) {
         {Value::dateTime(moment), "2026-11-05 09:03:07"},
         {Value::date(moment), "2026-11-05"},
         {Value::time(moment), "09:03:07"},
-        {Value::guid(std::string_view("\x67\x45\x23\x01\xAB\x89\xEF\xCD\x01\x23\x45\x67\x89\xAB"
-                                      "\xCD\xEF",
-                                      16)),
-         "{01234567-89AB-CDEF-0123-456789ABCDEF}"},
+        {Value::guid("0123456789abcdef"), "{33323130-3534-3736-3839-616263646566}"},
         {Value::text("한글 "), "한글 "}};
     for (const auto& [value, text] : cases)
         EXPECT_EQ(value.toText(), text);

@@ -5,13 +5,13 @@
 #include "tests/support/TempFolder.h"
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 namespace quillet::db {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using tests::readFile;
 using tests::TempFolder;
 
 /// Writes down what a batch does to the window, in order.
@@ -19,12 +19,9 @@ struct Screen {
     struct Bar : ProgressBar {
         Bar(Screen& screen, std::string name) : screen_(screen), name_(std::move(name)) {}
         void SetMin(std::int32_t) override {}
-        void SetMax(std::int32_t max) override { screen_.log(name_ + ".Max=", max); }
+        void SetMax(std::int32_t max) override { screen_.log(name_ + ".Max", max); }
         std::int32_t Value() const override { return value_; }
-        void SetValue(std::int32_t value) override {
-            value_ = value;
-            screen_.log(name_ + "=", value);
-        }
+        void SetValue(std::int32_t value) override { screen_.log(name_, value_ = value); }
         Screen& screen_;
         std::string name_;
         std::int32_t value_ = 0;
@@ -33,16 +30,14 @@ struct Screen {
         Text(Screen& screen, std::string name) : screen_(screen), name_(std::move(name)) {}
         std::string Caption() const override { return caption_; }
         void SetCaption(const std::string& caption) override {
-            caption_ = caption;
-            screen_.steps.push_back(name_ + "=" + caption);
+            screen_.steps.push_back(name_ + "=" + (caption_ = caption));
         }
         Screen& screen_;
-        std::string name_;
-        std::string caption_;
+        std::string name_, caption_;
     };
 
     void log(const std::string& what, std::int32_t value) {
-        steps.push_back(what + std::to_string(value));
+        steps.push_back(what + "=" + std::to_string(value));
     }
 
     std::vector<std::string> steps;
@@ -70,8 +65,7 @@ protected:
     /// PROP as "code name|code name|".
     std::string options() {
         TextTable FD;
-        std::int32_t FDROW = 0;
-        std::int32_t FDCOL = 0;
+        std::int32_t FDROW = 0, FDCOL = 0;
         store_.GET_DATA(" SELECT PROP_CODE,PROP_NAME FROM PROP ORDER BY PROP_CODE ", FD, FDROW,
                         FDCOL);
         std::string result;
@@ -88,12 +82,8 @@ protected:
 
     TempFolder folder_;
     Screen screen_;
-    int yields_ = 0;
     VelkDBPro store_{DailyLog(folder_.path(), [] { return DateTime{2026, 11, 15, 10, 10, 44}; }),
-                     [this] {
-                         ++yields_;
-                         screen_.steps.emplace_back("yield");
-                     }};
+                     [this] { screen_.steps.emplace_back("yield"); }};
 };
 
 TEST_F(VelkDBProTest, ShowsGroupsBarsAndCounters) {
@@ -165,10 +155,26 @@ TEST_F(VelkDBProTest, BatchesWithoutDisplay) {
     EXPECT_EQ(options(), "1 x|2 x|");
 }
 
+TEST_F(VelkDBProTest, ACommitThatFailsLeavesTheConnectionUsable) {
+    sqlite3* pointOfSale = nullptr; // reads, so that nothing can be committed
+    sqlite3_open(textOf(folder_ / "food.MDB").c_str(), &pointOfSale);
+    sqlite3_exec(pointOfSale, "BEGIN; SELECT * FROM PROP", nullptr, nullptr, nullptr);
+    std::string unread;
+    store_.PUT_DATA_TABLE({"", insert("1")}, 0, unread);
+    EXPECT_EQ(store_.Status(), 1) << "tolerant even of this";
+    store_.PUT_DATA_DEL({"", insert("2")});
+    EXPECT_EQ(store_.Status(), 0);
+    sqlite3_close(pointOfSale);
+
+    EXPECT_EQ(options(), "");
+    store_.PUT_DATA_DEL({"", insert("3")});
+    EXPECT_EQ(store_.Status(), 1);
+    EXPECT_EQ(options(), "3 x|");
+}
+
 TEST_F(VelkDBProTest, ErrorTextsOfReadsPileUpUntilAnOperationCompletes) {
     TextTable FD{{"kept"}};
-    std::int32_t FDROW = 7;
-    std::int32_t FDCOL = 8;
+    std::int32_t FDROW = 7, FDCOL = 8;
     store_.GET_DATA(" SELECT X FROM NOWHERE ", FD, FDROW, FDCOL);
     const std::string first = store_.errorText();
     EXPECT_THAT(first, HasSubstr("NOWHERE"));

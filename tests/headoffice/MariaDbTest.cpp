@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <map>
+#include <regex>
 
 namespace quillet {
 namespace {
@@ -41,13 +41,12 @@ protected:
         std::size_t cells = 0;
         for (; !direct.Eof() && !remote.Eof(); direct.MoveNext(), remote.MoveNext())
             for (std::size_t column = 0; column < direct.Fields().size(); ++column, ++cells) {
-                EXPECT_EQ(remote.Item(column).isNull(), direct.Item(column).isNull())
-                    << sql << ", " << direct.Fields()[column].Name;
-                EXPECT_EQ(remote.Item(column).toText(), direct.Item(column).toText())
-                    << sql << ", " << direct.Fields()[column].Name;
+                const db::Value &expected = direct.Item(column), &value = remote.Item(column);
+                SCOPED_TRACE(sql + ", " + direct.Fields()[column].Name);
+                EXPECT_EQ(remote.Fields()[column].Name, direct.Fields()[column].Name);
+                EXPECT_EQ(value.isNull(), expected.isNull());
+                EXPECT_EQ(value.toText(), expected.toText());
             }
-        for (std::size_t column = 0; column < direct.Fields().size(); ++column)
-            EXPECT_EQ(remote.Fields()[column].Name, direct.Fields()[column].Name);
         return cells;
     }
 
@@ -55,53 +54,32 @@ protected:
 };
 
 TEST_F(MariaDbTest, EveryColumnTypeSurvivesTheWire) {
-    const std::map<std::string, std::vector<std::string>> types{
-        {"TINYINT", {"-128", "127"}},
-        {"TINYINT UNSIGNED", {"255"}},
-        {"SMALLINT", {"-32768"}},
-        {"SMALLINT UNSIGNED", {"65535"}},
-        {"MEDIUMINT", {"-8388608"}},
-        {"INT", {"-2147483648"}},
-        {"INT UNSIGNED", {"4294967295"}},
-        {"BIGINT", {"-2147483648"}}, // as INT: the option 16384 of the counters' string
-        {"YEAR", {"1999"}},
-        {"FLOAT", {"1.1", "-1e20"}},
-        {"DOUBLE", {"0.1", "1e300"}},
-        {"DECIMAL(12,2)", {"1500.00", "-0.05"}},
-        {"DECIMAL(30,0)", {"999999999999999999999999999999"}},
-        {"BIT(1)", {"1", "0"}},
-        {"DATE", {"'1999-12-31'", "'0000-00-00'"}},
-        {"DATETIME", {"'2006-07-06 22:43:07'", "'0000-00-00 00:00:00'"}},
-        {"DATETIME(3)", {"'2006-07-06 22:43:07.123'"}},
-        {"TIME", {"'23:59:58'"}},
-        {"CHAR(20)", {"'한글'", "''", "' '"}},
-        {"VARCHAR(200)", {"'똠방각하 café'", "''", "' x '"}},
-        {"TEXT", {"REPEAT('가나다라', 5000)", "''"}},
-        {"ENUM('예','아니오')", {"'예'"}},
-        {"SET('a','b')", {"'a,b'", "''"}},
-        {"BINARY(4)", {"X'00FF0001'"}},
-        {"VARBINARY(300)", {"X'00'", "''"}},
-        {"BLOB", {"REPEAT(X'00FF', 3000)"}}};
-    std::size_t cells = 0;
-    std::size_t inserted = 0;
-    int table = 0;
-    for (const auto& [type, literals] : types)
-        for (const char* nullable : {"NULL", "NOT NULL"}) {
-            const std::string name = "T" + std::to_string(table++);
-            headOffice_->sql("CREATE TABLE " + name + " (A INT, B " + type + " " + nullable + ")");
-            std::vector<std::string> rows;
-            for (const std::string& literal : literals)
-                rows.push_back("(1," + literal + ")");
-            if (std::string(nullable) == "NULL")
-                rows.emplace_back("(NULL,NULL)");
-            for (const std::string& row : rows)
-                headOffice_->sql("INSERT INTO " + name + " VALUES " + row);
-            inserted += rows.size();
-            cells += compare("SELECT A,B FROM " + name);
-        }
-    EXPECT_EQ(cells, 2 * inserted);
+    // BIGINT as INT: the option 16384 of the counters' string.
+    const std::string columns =
+        "C1 TINYINT?,C2 TINYINT UNSIGNED?,C3 SMALLINT?,C4 SMALLINT UNSIGNED?,C5 MEDIUMINT?,C6 INT?,"
+        "C7 INT UNSIGNED?,C8 BIGINT?,C9 YEAR?,D1 FLOAT?,D2 DOUBLE?,D3 DECIMAL(12,2)?,"
+        "D4 DECIMAL(30,0)?,D5 BIT(1)?,D6 DATE?,D7 DATETIME?,D8 DATETIME(3)?,D9 TIME?,E1 CHAR(20)?,"
+        "E2 VARCHAR(200)?,E3 TEXT?,E4 ENUM('예','아니오')?,E5 SET('a','b')?,E6 BINARY(4)?,"
+        "E7 VARBINARY(300)?,E8 BLOB?";
+    const std::string rows =
+        "(-128,255,-32768,65535,-8388608,-2147483648,4294967295,-2147483648,1999,1.1,0.1,1500.00,"
+        "999999999999999999999999999999,1,'1999-12-31','2006-07-06 22:43:07',"
+        "'2006-07-06 22:43:07.123','23:59:58','한글','똠방각하 café',REPEAT('가나다라', 5000),'예',"
+        "'a,b',X'00FF0001',X'00',REPEAT(X'00FF', 3000)),"
+        "(127,0,0,0,0,0,0,0,1999,-1e20,1e300,-0.05,0,0,'0000-00-00','0000-00-00 00:00:00',"
+        "'0000-00-00 00:00:00','00:00:00',' ',' x ','','아니오','','','',''),"
+        "(0,0,0,0,0,0,0,0,1999,0,0,0,0,0,'0000-00-00',0,0,0,'','',' ','예','','',' ',' ')";
+    for (const std::string nullable : {" NULL", " NOT NULL"}) {
+        const std::string table = nullable == " NULL" ? "T0" : "T1";
+        headOffice_->sql("CREATE TABLE " + table + " (" +
+                         std::regex_replace(columns, std::regex("\\?"), nullable) + ")");
+        headOffice_->sql("INSERT INTO " + table + " VALUES " + rows);
+        if (table == "T0")
+            headOffice_->sql("INSERT INTO T0 VALUES ()");
+        EXPECT_EQ(compare("SELECT * FROM " + table), 26U * (table == "T0" ? 4 : 3));
+    }
     compare("SELECT 0,' ',CONCAT('가',1),NOW() > '2000-01-01',NULL,1.50,CURDATE(),IF(1,'',2)");
-    compare("SELECT A FROM T0 WHERE 1 = 0");
+    compare("SELECT C1 FROM T0 WHERE 1 = 0");
 }
 
 TEST_F(MariaDbTest, EveryTableOfTheSampleChainSurvivesTheWire) {
@@ -110,16 +88,6 @@ TEST_F(MariaDbTest, EveryTableOfTheSampleChainSurvivesTheWire) {
                               "CT", "CTMEM", "CTCOM", "FN", "RCT", "RCTI", "RCTBAS", "BAS", "POS"})
         cells += compare(std::string("SELECT * FROM quillet_chain.") + table);
     EXPECT_GT(cells, 50'000U);
-}
-
-TEST_F(MariaDbTest, AFailedQueryIsTheDatabasesOwnError) {
-    try {
-        remotely("SELECT * FROM NOWHERE");
-        FAIL() << "no error";
-    } catch (const db::Error& error) {
-        EXPECT_EQ(error.Number(), -2147217865);
-        EXPECT_THAT(error.Description(), testing::HasSubstr("NOWHERE"));
-    }
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 #include "rds/CallServer.h"
 
-#include "db/Error.h"
 #include "rds/DataSpace.h"
 #include "rds/http/HttpServer.h"
+#include "tests/support/Errors.h"
+#include "tests/support/RunningServer.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +11,6 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -26,17 +26,12 @@ using ::testing::StartsWith;
 /// Rows of 1,000 characters until it fails.
 class FailingCursor : public db::Cursor {
 public:
-    explicit FailingCursor(int rows) : left_(rows) {
-        fields_[0].Name = "A";
-        fields_[0].DefinedSize = 1000;
-    }
+    explicit FailingCursor(int rows) : left_(rows) { fields_[0].DefinedSize = 1000; }
 
     const db::FieldList& fields() const override { return fields_; }
     db::Value value(std::size_t) const override { return db::Value::text(text_); }
     bool next() override {
-        if (left_-- == 0)
-            throw db::providerError("42S02", "the table went away");
-        return true;
+        return left_-- > 0 ? true : throw db::providerError("42S02", "the table went away");
     }
 
 private:
@@ -78,73 +73,47 @@ private:
 
 class CallServerTest : public ::testing::Test {
 protected:
-    ~CallServerTest() override {
-        http_.stop();
-        thread_.join();
-    }
-
-    std::string address() const { return "127.0.0.1:" + std::to_string(http_.port()); }
+    CallServerTest() { calls_.add("odd.Object", object_); }
 
     rds::RemoteObject remote(const std::string& progId) const {
-        return rds::DataSpace().CreateObject(progId, "http://" + address());
+        return rds::DataSpace().CreateObject(progId, "http://" + server_.address());
     }
 
-    /// Number and description of what Getsql ends with.
-    std::pair<long, std::string> failureOf(const std::string& what,
-                                           const std::string& progId = "odd.object") const {
-        std::string sql = what;
-        std::string connection = "c";
-        rds::Variant information;
-        try {
+    /// What Getsql ends with.
+    std::string failureOf(const std::string& what, const std::string& progId = "odd.object") const {
+        return tests::errorTextOf([&] {
+            std::string sql = what, connection = "c";
+            rds::Variant information;
             remote(progId).Getsql(sql, 0, 1, information, connection);
-        } catch (const db::Error& error) {
-            EXPECT_EQ(sql, what);
-            return {error.Number(), error.Description()};
-        }
-        return {0, "no error"};
-    }
-
-    std::string rawCall(rds::Call call, const std::string& path) const {
-        call.boundary = rds::newBoundary();
-        return rds::HttpClient().post(address(), path, rds::encodeCall(call));
+        });
     }
 
     OddObject object_;
     rds::CallServer calls_{{.returnArguments = true}};
-    rds::HttpServer http_{{}, [this](const rds::HttpRequest& request, rds::HttpReply& reply) {
-                              calls_.handle(request, reply);
-                          }};
-    std::thread thread_{[this] {
-        calls_.add("odd.Object", object_);
-        http_.run();
-    }};
+    tests::Running<rds::HttpServer> server_{
+        rds::HttpServer::Options{},
+        [this](const auto& request, auto& reply) { calls_.handle(request, reply); }};
 };
 
 TEST_F(CallServerTest, FailedCallsCarryTheirNumber) {
-    EXPECT_EQ(failureOf("few rows"), std::pair(-2147217865L, std::string("the table went away")));
-    EXPECT_EQ(failureOf("internal"), std::pair(-2147467259L, std::string("an odd thing")));
-    EXPECT_EQ(failureOf("x", "no.object").first, static_cast<std::int32_t>(0x80070057));
-    EXPECT_EQ(failureOf("nothing").first, 91);
-    EXPECT_EQ(failureOf("text").first, 13);
-    EXPECT_EQ(failureOf("procedure").first, 13);
+    EXPECT_EQ(failureOf("few rows"), "-2147217865 the table went away");
+    EXPECT_EQ(failureOf("internal"), "-2147467259 an odd thing");
+    EXPECT_THAT(failureOf("x", "no.object"), StartsWith("-2147024809 "));
+    EXPECT_THAT(failureOf("nothing"), StartsWith("91 "));
+    EXPECT_THAT(failureOf("text"), StartsWith("13 "));
+    EXPECT_THAT(failureOf("procedure"), StartsWith("13 "));
+    EXPECT_THAT(failureOf("many rows"), AllOf(StartsWith("462 "), HasSubstr("reset")));
 
-    const auto errorOf = [&](const rds::Call& call) {
-        try {
-            rds::decodeReply(rawCall(call, rds::callPath(call)), call.arguments.size());
-        } catch (const db::Error& error) {
-            return static_cast<std::uint32_t>(error.Number());
-        }
-        return 0U;
+    const auto errorOf = [&](rds::Call call) {
+        call.boundary = rds::newBoundary();
+        const std::string reply =
+            rds::HttpClient().post(server_.address(), rds::callPath(call), rds::encodeCall(call));
+        const auto decode = [&] { rds::decodeReply(reply, call.arguments.size()); };
+        return static_cast<std::uint32_t>(tests::errorOf(decode).Number());
     };
     EXPECT_EQ(errorOf({"ODD.object", "getSQL", std::vector<rds::Variant>(5), ""}), 0U);
     EXPECT_EQ(errorOf({"odd.object", "Other", {}, ""}), rds::scode::UnknownMethod);
     EXPECT_EQ(errorOf({"odd.object", "Getsql", {}, ""}), rds::scode::InvalidArgument);
-}
-
-TEST_F(CallServerTest, ResetsAReplyThatFailsOnTheWay) {
-    const auto [number, description] = failureOf("many rows");
-    EXPECT_EQ(number, 462);
-    EXPECT_THAT(description, HasSubstr("reset"));
 }
 
 TEST_F(CallServerTest, ChangesOnlyTheArgumentsThatComeBack) {
@@ -159,7 +128,7 @@ TEST_F(CallServerTest, ChangesOnlyTheArgumentsThatComeBack) {
 
 TEST_F(CallServerTest, RefusesWhatIsNoCall) {
     const auto ask = [&](const char* request) {
-        return tests::RawClient(http_.port()).ask(request);
+        return tests::RawClient(server_.port()).ask(request);
     };
     EXPECT_THAT(ask("GET /msadc/msadcs.dll/odd.object.Getsql HTTP/1.1\r\n\r\n"),
                 StartsWith("HTTP/1.1 405 "));
@@ -174,22 +143,14 @@ TEST_F(CallServerTest, RefusesWhatIsNoCall) {
 TEST(DataSpace, MakesProxiesOfHttpAddressesOnly) {
     const rds::DataSpace space;
     EXPECT_NO_THROW(space.CreateObject("some.object", "HTTP://no-such-host.invalid/"));
-    const std::vector<std::pair<const char*, const char*>> wrong{{"", "http://server"},
-                                                                 {"  ", "http://server"},
-                                                                 {"some.object", ""},
-                                                                 {"some.object", "http://"},
-                                                                 {"some.object", "http:// "},
-                                                                 {"some.object", "server"},
-                                                                 {"some.object", "https://server"},
-                                                                 {"some object", "http://server"}};
+    const std::vector<std::pair<const char*, const char*>> wrong{
+        {"  ", "http://server"},   {"some object", "http://server"},
+        {"some.object", ""},       {"some.object", "http:// "},
+        {"some.object", "server"}, {"some.object", "https://server"}};
     for (const auto& [progId, connection] : wrong) {
-        try {
-            space.CreateObject(progId, connection);
-            ADD_FAILURE() << progId << ' ' << connection;
-        } catch (const db::Error& error) {
-            EXPECT_EQ(error.Number(), 429);
-            EXPECT_EQ(error.Description(), "ActiveX component can't create object");
-        }
+        EXPECT_EQ(tests::errorTextOf([&, p = progId, c = connection] { space.CreateObject(p, c); }),
+                  "429 ActiveX component can't create object")
+            << progId << ' ' << connection;
     }
 }
 

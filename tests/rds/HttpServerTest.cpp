@@ -2,6 +2,7 @@
 
 #include "db/Error.h"
 #include "rds/http/HttpClient.h"
+#include "tests/support/RunningServer.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
@@ -25,47 +26,26 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class RunningServer {
-public:
-    RunningServer(rds::HttpServer::Options options, rds::HttpServer::Handler handler)
-        : server_(options, std::move(handler)), thread_([this] { server_.run(); }) {}
-
-    ~RunningServer() { stop(); }
-
-    RunningServer(const RunningServer&) = delete;
-    RunningServer& operator=(const RunningServer&) = delete;
-
-    void stop() {
-        server_.stop();
-        if (thread_.joinable())
-            thread_.join();
-    }
-
-    std::uint16_t port() const { return server_.port(); }
-    std::string address() const { return "127.0.0.1:" + std::to_string(port()); }
-
-private:
-    rds::HttpServer server_;
-    std::thread thread_;
-};
+using RunningServer = tests::Running<rds::HttpServer>;
+using Options = rds::HttpServer::Options;
 
 void echo(const rds::HttpRequest& request, rds::HttpReply& reply) {
     reply.write(request.method + ' ' + request.target + ' ' + request.header("x-NOTE") + ' ');
     reply.write(request.body);
 }
 
-std::string errorOf(const std::string& server) {
+/// The reply's body, or the error.
+std::string post(const std::string& server, const std::string& path = "/") {
     try {
-        rds::HttpClient({2s, 5s}).post(server, "/", "body");
+        return rds::HttpClient({2s, 5s}).post(server, path, "body");
     } catch (const db::Error& error) {
-        return error.Description();
+        return std::to_string(error.Number()) + ' ' + error.Description();
     }
-    return "no error";
 }
 
 TEST(HttpServer, AnswersClientsOfEveryKind) {
-    RunningServer server({}, echo);
-    EXPECT_EQ(rds::HttpClient().post(server.address(), "/a.b", "body"), "POST /a.b  body");
+    RunningServer server(Options{}, echo);
+    EXPECT_EQ(post(server.address(), "/a.b"), "POST /a.b  body");
 
     EXPECT_THAT(RawClient(server.port()).ask("GET /x?y HTTP/1.0\r\nX-Note: n\r\n\r\n"),
                 AllOf(StartsWith("HTTP/1.1 200 OK\r\n"), HasSubstr("\r\nDate: "),
@@ -83,10 +63,7 @@ TEST(HttpServer, AnswersClientsOfEveryKind) {
 }
 
 TEST(HttpServer, RefusesWhatItCannotTake) {
-    rds::HttpServer::Options options;
-    options.maxBody = 10;
-    options.patience = 500ms;
-    RunningServer server(options, echo);
+    RunningServer server(Options{.maxBody = 10, .patience = 500ms}, echo);
     const std::vector<std::pair<const char*, const char*>> requests{
         {"POST / HTTP/1.1\r\n\r\n", "HTTP/1.1 411 "},
         {"POST / HTTP/1.1\r\nContent-Length: 11\r\n\r\n12345678901", "HTTP/1.1 413 "},
@@ -108,7 +85,7 @@ TEST(HttpServer, ServesOnlySoManyAtOnce) {
     std::promise<void> open;
     const std::shared_future<void> gate = open.get_future().share();
     std::atomic<int> inside = 0;
-    RunningServer server({.maxConnections = 3},
+    RunningServer server(Options{.maxConnections = 3},
                          [&](const rds::HttpRequest&, rds::HttpReply& reply) {
                              ++inside;
                              gate.wait();
@@ -116,20 +93,18 @@ TEST(HttpServer, ServesOnlySoManyAtOnce) {
                          });
     std::vector<std::future<std::string>> calls;
     for (int i = 0; i < 3; ++i)
-        calls.push_back(std::async(std::launch::async, [&] {
-            return rds::HttpClient().post(server.address(), "/", "body");
-        }));
+        calls.push_back(std::async(std::launch::async, [&] { return post(server.address()); }));
     while (inside < 3)
         std::this_thread::sleep_for(1ms);
-    EXPECT_THAT(errorOf(server.address()), HasSubstr("503"));
+    EXPECT_THAT(post(server.address()), HasSubstr("503"));
     open.set_value();
     for (auto& call : calls)
         EXPECT_EQ(call.get(), "done");
-    EXPECT_EQ(rds::HttpClient().post(server.address(), "/", "body"), "done");
+    EXPECT_EQ(post(server.address()), "done");
 }
 
 TEST(HttpServer, FailingHandlersGiveNoShortReply) {
-    RunningServer server({}, [](const rds::HttpRequest& request, rds::HttpReply& reply) {
+    RunningServer server(Options{}, [](const rds::HttpRequest& request, rds::HttpReply& reply) {
         if (request.target == "/late") {
             reply.write("the first part");
             std::this_thread::sleep_for(50ms); // so that the client has it
@@ -138,26 +113,20 @@ TEST(HttpServer, FailingHandlersGiveNoShortReply) {
     });
     EXPECT_THAT(RawClient(server.port()).ask("GET /early HTTP/1.1\r\n\r\n"),
                 AllOf(StartsWith("HTTP/1.1 500 "), Not(HasSubstr("secret"))));
-    try {
-        const std::string body = rds::HttpClient().post(server.address(), "/late", "body");
-        ADD_FAILURE() << "taken for a whole reply: " << body;
-    } catch (const db::Error& error) {
-        EXPECT_THAT(error.Description(), HasSubstr("connection reset"));
-    }
+    EXPECT_THAT(post(server.address(), "/late"),
+                AllOf(StartsWith("462 "), HasSubstr("connection reset")));
 }
 
 TEST(HttpServer, OutlivesClientsThatGoAway) {
     std::promise<long> number;
-    RunningServer server({}, [&](const rds::HttpRequest& request, rds::HttpReply& reply) {
-        if (request.target == "/") {
-            reply.write("well");
+    RunningServer server(Options{}, [&](const rds::HttpRequest& request, rds::HttpReply& reply) {
+        reply.write("well");
+        if (request.target == "/")
             return;
-        }
         try {
             const std::string piece(1'000'000, 'x');
-            for (int i = 0; i < 1000; ++i)
+            for (;;)
                 reply.write(piece);
-            number.set_value(0);
         } catch (const db::Error& error) {
             number.set_value(error.Number());
             throw;
@@ -169,26 +138,25 @@ TEST(HttpServer, OutlivesClientsThatGoAway) {
         tests::receiveRaw(client.socket(), 1000);
     }
     EXPECT_EQ(number.get_future().get(), 462);
-    EXPECT_EQ(rds::HttpClient().post(server.address(), "/", "body"), "well");
+    EXPECT_EQ(post(server.address()), "well");
 }
 
 TEST(HttpServer, StopsAfterTheRequestsUnderWay) {
     std::promise<void> entered;
-    RunningServer server({}, [&](const rds::HttpRequest&, rds::HttpReply& reply) {
+    RunningServer server(Options{}, [&](const rds::HttpRequest&, rds::HttpReply& reply) {
         entered.set_value();
         std::this_thread::sleep_for(200ms);
         reply.write("answered");
     });
     RawClient idle(server.port());
-    auto call = std::async(std::launch::async,
-                           [&] { return rds::HttpClient().post(server.address(), "/", "body"); });
+    auto call = std::async(std::launch::async, [&] { return post(server.address()); });
     entered.get_future().wait();
     const auto start = std::chrono::steady_clock::now();
     server.stop();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
     EXPECT_EQ(call.get(), "answered");
     EXPECT_EQ(tests::receiveRaw(idle.socket()), "");
-    EXPECT_THAT(errorOf(server.address()), HasSubstr("refused"));
+    EXPECT_THAT(post(server.address()), HasSubstr("refused"));
 }
 
 } // namespace

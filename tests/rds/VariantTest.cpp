@@ -3,7 +3,6 @@
 #include "db/Error.h"
 #include "rds/VariantCodec.h"
 #include "tests/support/Hex.h"
-#include "tests/support/RowsCursor.h"
 
 #include <gmock/gmock.h>
 
@@ -39,7 +38,7 @@ TEST(Variant, EveryTypeHasItsBytesAndItsText) {
     struct Case {
         Variant value;
         const char* wire;
-        const char* text;
+        const char* text; ///< nullptr: not asked for
     };
     const std::vector<Case> cases{
         {Variant(), "0000", ""},
@@ -58,75 +57,56 @@ TEST(Variant, EveryTypeHasItsBytesAndItsText) {
         {Variant(Decimal{4, true, 0, 12345, 0}), "0E00000004800000000039300000 00000000",
          "-1.2345"},
         {Variant(std::uint8_t{255}), "1100FF", "255"},
+        {Variant(ScodeError{1, 0, {}, {}, {}}), "0A0001000000", nullptr},
+        {Variant(ScodeError{0x80020009, 5, BStr{"a"}, BStr{""}, BStr{}}),
+         "0A00 09000280 05000000 02000000 u'a' 0000000000 0000000001", nullptr},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.wire);
         EXPECT_EQ(hex(encoded(c.value)), hex(bytes(c.wire)));
         EXPECT_EQ(decoded(bytes(c.wire)), c.value);
-        EXPECT_EQ(c.value.toText(), c.text);
-        EXPECT_TRUE(c.value.isGroupable());
+        if (c.text != nullptr) {
+            EXPECT_EQ(c.value.toText(), c.text);
+        }
     }
     EXPECT_THROW(Variant(Null{}).toText(), db::Error);
     EXPECT_THROW(Variant(Dispatch{}).toText(), db::Error);
     EXPECT_THROW(Variant::strings({}).toText(), db::Error);
 }
 
-TEST(Variant, ErrorsCarryDetailsOnlyForFailures) {
-    const ScodeError success{1, 0, {}, {}, {}};
-    EXPECT_EQ(hex(encoded(Variant(success))), "0A0001000000");
-    ScodeError failure{0x80020009, 5, BStr{"a"}, BStr{""}, BStr{}};
-    const std::string wire = bytes("0A00 09000280 05000000 02000000 u'a' 0000000000 0000000001");
-    EXPECT_EQ(hex(encoded(Variant(failure))), hex(wire));
-    EXPECT_EQ(decoded(wire), Variant(failure));
-}
-
 TEST(Variant, ArraysKeepShapeAndTypeOfTheirElements) {
-    const Variant strings = Variant::strings({"insert A", "", "한글"});
-    const std::string wire = bytes("0820 00 0100 8001 04000000 03000000 00000000"
-                                   "10000000 u'insert A' 0000000000 04000000 5CD500AE");
+    const Variant strings = Variant::strings({"a", "", "한글"});
+    std::string wire =
+        bytes("0820 00 0100 8001 04000000 03000000 00000000 02000000 u'a' 0000000000 04000000"
+              "5CD500AE");
     EXPECT_EQ(hex(encoded(strings)), hex(wire));
+    wire[5] = '\x28'; // the features are a hint that senders do not agree on
     EXPECT_EQ(decoded(wire), strings);
-    EXPECT_FALSE(strings.isGroupable());
 
     const Variant table = array(VarType::Bool, {{2, 1}, {1, -1}}, {true, false});
-    EXPECT_EQ(hex(encoded(table)), "0B20"
-                                   "00"
-                                   "0200"
-                                   "8000"
-                                   "02000000"
-                                   "0200000001000000"
-                                   "01000000FFFFFFFF"
-                                   "FFFF0000");
+    EXPECT_EQ(hex(encoded(table)), hex(bytes("0B20 00 0200 8000 02000000 0200000001000000"
+                                             "01000000FFFFFFFF FFFF0000")));
     const Variant nested =
         array(VarType::Variant, {{3, 0}}, {table, Variant(Dispatch{}), Variant(std::int16_t{1})});
     const Variant isNull(VariantArray{VarType::UI1, true, {}, {}});
     const Variant empty = array(VarType::BStr, {{0, 0}, {4000000000U, 0}}, {});
     const Variant blank = array(VarType::Empty, {{4000000000U, 0}}, {});
     const Variant objects = array(VarType::Dispatch, {{1, 0}}, {Variant(Dispatch{})});
-    for (const Variant& value : {table, nested, isNull, empty, blank, objects})
+    for (const Variant& value : {strings, table, nested, isNull, empty, blank, objects})
         EXPECT_EQ(decoded(encoded(value)), value) << hex(encoded(value));
-
-    // The features are a hint that senders do not agree on.
-    std::string other = wire;
-    other[5] = '\x28';
-    EXPECT_EQ(decoded(other), strings);
     EXPECT_THROW(encoded(array(VarType::I4, {{1, 0}}, {Variant::string("1")})), db::Error);
 }
 
 TEST(Variant, RecordsetsTravelAsArguments) {
-    db::Field field;
-    field.Name = "NAME";
-    field.DefinedSize = 10;
-    auto recordset = std::make_shared<db::Recordset>(db::FieldList{field});
-    recordset->addRow()[0] = db::Value::text("가");
+    auto recordset = std::make_shared<db::Recordset>(db::FieldList(1));
+    recordset->addRow()[0] = db::Value::boolean(true);
     recordset->addRow();
     const Variant sent(Dispatch{recordset});
     for (int round = 0; round < 2; ++round) { // writing leaves it as it was
         const Variant received = decoded(encoded(sent));
         db::Recordset& copy = *std::get<Dispatch>(received).recordset;
         ASSERT_EQ(copy.RecordCount(), 2);
-        EXPECT_EQ(copy.Fields().at(0).Name, "NAME");
-        EXPECT_EQ(copy.Item(0).toText(), "가");
+        EXPECT_EQ(copy.Item(0).toText(), "True");
         copy.MoveNext();
         EXPECT_TRUE(copy.Item(0).isNull());
     }
@@ -141,7 +121,11 @@ TEST(Variant, HostileValuesAreRefusedBeforeTheyTakeMemory) {
     for (int i = 0; i < 16; ++i)
         greedy += bytes("0C20 00 0100 8008 10000000 FFFF0700 00000000");
     greedy.resize(greedy.size() + 0x100000 * 2);
+    // Over the limit of values.
+    const std::string many =
+        bytes("1120 00 0100 8000 01000000 00002000 00000000") + std::string(0x200000, '\0');
     const std::vector<std::string> hostile{
+        many,
         deep + bytes("0000"),
         greedy,
         bytes("0C20 00 0100 8008 10000000 FFFFFFFF 00000000 0000"),
@@ -160,10 +144,6 @@ TEST(Variant, HostileValuesAreRefusedBeforeTheyTakeMemory) {
         ByteReader in(wire);
         EXPECT_THROW(VariantDecoder(in).next(), db::Error) << hex(wire.substr(0, 64));
     }
-    std::string bytesOnly = bytes("1120 00 0100 8000 01000000 00002000 00000000");
-    bytesOnly.resize(bytesOnly.size() + 0x200000);
-    ByteReader in(bytesOnly);
-    EXPECT_THROW(VariantDecoder(in).next(), db::Error) << "over the limit of values";
 }
 
 } // namespace

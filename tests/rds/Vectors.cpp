@@ -2,250 +2,206 @@
 
 #include "tests/support/Hex.h"
 
+#include <vector>
+
 namespace quillet::tests::vectors {
 
+namespace {
+
+const std::string Type = "Content-Type: application/x-varg\r\n";
+
+/// A part of which the length is told.
+std::string counted(std::string_view data) {
+    const std::string content = bytes(data);
+    return Type + "Content-Length: " + std::to_string(content.size()) + "\r\n\r\n" + content;
+}
+
+/// A part that ends where the next delimiter is.
+std::string streamed(std::string_view data) {
+    return Type + "\r\n" + bytes(data);
+}
+
+constexpr const char* Boundary = "abcdefghij0123456789";
+
+std::string message(int arguments, const std::vector<std::string>& parts,
+                    const std::string& boundary = Boundary) {
+    std::string body = "Content-Type: multipart/mixed; boundary=" + boundary +
+                       "; num-args=" + std::to_string(arguments) + "\r\n\r\n";
+    for (const std::string& part : parts)
+        body += "--" + boundary + "\r\n" + part + "\r\n";
+    return body + "--" + boundary + "--\r\n";
+}
+
+std::string request(int arguments, const std::vector<std::string>& parts,
+                    const std::string& boundary = Boundary) {
+    return "ADCClientVersion:01.06\r\n" + message(arguments, parts, boundary);
+}
+
+std::string statementsPart() {
+    return streamed("0820000100800104000000030000000000000010000000 u'insert A' 0000000000"
+                    "04000000 5CD500AE");
+}
+
+/// The three rows of seven columns.
+std::string itemsPart() {
+    return streamed(
+        "0900003505000000001000800000AA006D2EA4B692F23F04B2CF118D2300AA005FFE580107"
+        "'TG!' 00000000021900B692F23F04B2CF118D2300AA005FFE58010000000000000300036700D2AD63F602EB"
+        "CF11B0E300AA003F000F00000007000700000001000000030000000100C13C8EB6EB6DD0118DF600AA005FFE"
+        "5807000B000000040001000000130000000400010000000D00000000000E00000000000F0000000000100000"
+        "000000120000000000107C000200BE22B5C8F35CCE11ADE500AA00 'Dw=' 04007F0000000200FFFF86000000"
+        "0200FFFF2200000004001E00000049000000040000000000C13C8EB6EB6DD0118DF600AA005FFE5805000400"
+        "000004000F000000050000000400020000000300000004000F00000007000000040032000000080000000400"
+        "03000000053A0001001200 u'\"DB1\".\"dbo\".\"ITEM\"' 0400 u'ITEM' 0000060001000100064300F3"
+        "010001000400 u'CODE' 010001000400 u'CODE' 810003000000FF000000FF000000188000000300 u'DB1'"
+        "0300 u'dbo' 0000FFFF064300F3010002000400 u'NAME' 010002000400 u'NAME' 810014000000FF0000"
+        "00FF000000680000000300 u'DB1' 0300 u'dbo' 0000FFFF063F00F3010003000300 u'QTY' 0100030003"
+        "00 u'QTY' 0300040000000A000000FF000000780000000300 u'DB1' 0300 u'dbo' 0000FFFF063F00F301"
+        "0004000300 u'AMT' 010004000300 u'AMT' 8300130000000900000002000000780000000300 u'DB1' 03"
+        "00 u'dbo' 0000FFFF064700F3010005000500 u'REGDT' 010005000500 u'REGDT' 870010000000170000"
+        "0003000000780000000300 u'DB1' 0300 u'dbo' 0000FFFF064300F3010006000400 u'MEMO' 0100060004"
+        "00 u'MEMO' 8200C8000000FF000000FF000000680000000300 u'DB1' 0300 u'dbo' 0000FFFF0627008001"
+        "0007000500 u'TOTAL' 0500080000000F000000FF000000700000000000FFFF07FF 'A01' 04C7D1B1DB0500"
+        "000009020187D61200000000000000000000000000D6070700060016002B000700C0D454070400000054BAA8"
+        "BA000000000000F83F07 '+B02' 090200050000000000000000000000000000000000000007D7 'C03' 00FF"
+        "FFFFFFCF070C001F0017003B003A0000000000000000000000D0BF0F");
+}
+
+} // namespace
+
 std::string queryRequest() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=my)hwzm=z(' "
-        "'(.y,.e=odd; num-args=2' 0D0A0D0A '--my)hwzm=z((.y,.e=odd' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 524' 0D0A0D0A08003E010000 "
-        "u'SHAPE {SELECT CUSTOMERID, COMPANYNAME FROM Custome' "
-        "u'rs} APPEND({SELECT ORDERID, CUSTOMERID, ORDERDATE ' "
-        "u'FROM Orders} RELATE CUSTOMERID TO CUSTOMERID) AS C' u'ustOrders' 0800C2000000 "
-        "u'Provider=' 2700 u'SQLOLEDB' 2700 u';Integrated Security=' 2700 u'SSPI' 2700 "
-        "u';Data Source = wdg111; Initial Catalog=' 2700 u'Northwind' 27003B000D0A "
-        "'--my)hwzm=z((.y,.e=odd--' 0D0A");
+    return request(
+        2,
+        {counted(
+            "08003E010000 u'SHAPE {SELECT CUSTOMERID, COMPANYNAME FROM Customers} APPEND({SE'"
+            "u'LECT ORDERID, CUSTOMERID, ORDERDATE FROM Orders} RELATE CUSTOMERID TO CUSTOMERID) AS C'"
+            "u'ustOrders' 0800C2000000 u'Provider=' 2700 u'SQLOLEDB' 2700 u';Integrated Security=' 27"
+            "00 u'SSPI' 2700 u';Data Source = wdg111; Initial Catalog=' 2700 u'Northwind' 27003B00")},
+        "my)hwzm=z((.y,.e=odd");
 }
 
 std::string providerErrorReply() {
-    return bytes("'Content-Type: application/x-varg' 0D0A 'Content-Length: 6' "
-                 "0D0A0D0A0A00090002807A0E0A802000 0000 u'ADODB.Connectionv' 0000 "
-                 "u'Provider cannot be found. It may not be properly i' u'nstalled.' 0000000001");
+    return Type + "Content-Length: 6\r\n\r\n" +
+           bytes("0A00090002807A0E0A8020000000 u'ADODB.Connectionv' 0000 u'Provider can'"
+                 "u'not be found. It may not be properly installed.' 0000000001");
 }
 
 std::string synchronizeReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=+valdu0:d=' '(-pr/van?2; num-args=7' 0D0A0D0A "
-        "'--+valdu0:d=(-pr/van?2' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A0C2000010080081000000002 000000000000000A00DA0E0400000000 "
-        "00000000000100000000010000000001 0C200001008008100000000100000000 "
-        "0000000C200001008008100000000B00 0000000000000300380E048003002000 000008004C000000 "
-        "u'{3FF292B6-B204-11CF-8D23-00AA005FFE58}' 00000300000000000300090400000800 BA000000 "
-        "u'Row cannot be located for updating. Some values ma' "
-        "u'y have been changed since it was last read.' 00000300000000000800000000000108 "
-        "002E000000 u'Microsoft Cursor Engine' 0D0A '--+valdu0:d=(-pr/van?2' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 2' 0D0A0D0A00000D0A "
-        "'--+valdu0:d=(-pr/van?2' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A032000010080000400000002 0000000000000007000000040000000D 0A "
-        "'--+valdu0:d=(-pr/van?2' 0D0A 'Content-Type: application/x-varg' 0D0A0D0A0900010D0A "
-        "'--+valdu0:d=(-pr/van?2' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 6' 0D0A0D0A0000000000000D0A '--+valdu0:d=(-pr/van?2' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A0D0A0A00DA0E0400000000000000 "
-        "000001000000000100000000010D0A '--+valdu0:d=(-pr/van?2--' 0D0A");
+    return message(
+        7,
+        {streamed(
+             "0C2000010080081000000002000000000000000A00DA0E0400000000000000000001000000000100"
+             "000000010C2000010080081000000001000000000000000C200001008008100000000B000000000000000300"
+             "380E048003002000000008004C000000 u'{3FF292B6-B204-11CF-8D23-00AA005FFE58}' 00000300000000"
+             "000300090400000800BA000000 u'Row cannot be located for updating. Some values may have be'"
+             "u'en changed since it was last read.' 00000300000000000800000000000108002E000000"
+             "u'Microsoft Cursor Engine'"),
+         counted("0000"), streamed("032000010080000400000002000000000000000700000004000000"),
+         streamed("090001"), counted("000000000000"),
+         streamed("0A00DA0E040000000000000000000100000000010000000001")},
+        "+valdu0:d=(-pr/van?2");
 }
 
 std::string executeRequest() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=dd+dyynum0' "
-        "'ud9:6oo?,g; num-args=10' 0D0A0D0A '--dd+dyynum0ud9:6oo?,g' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 617' "
-        "0D0A0D0A000003000904000000000300 04000000000008004A010000 "
-        "u'Command Time Out=~30;Batch Size=~15;Update Criteri' "
-        "u'a=~2;Background Fetch Size=~15;Initial Fetch Size=' "
-        "u'~50;Background thread Priority=~3;Auto Recalc=~1;U' u'pdate Resync=~1' "
-        "03000300000008003C000000 u'Select top 1 * from Publishers' 080000000000000800B2000000 "
-        "u'Provider=sqloledb;Data Source=bradrhod1;User ID=ol' "
-        "u'edb;Password=*****;Initial Catalog=pubs' 0D0A '--dd+dyynum0ud9:6oo?,g--' 0D0A");
+    return request(
+        10,
+        {counted(
+            "00000300090400000000030004000000000008004A010000 u'Command Time Out=~30;Batch S'"
+            "u'ize=~15;Update Criteria=~2;Background Fetch Size=~15;Initial Fetch Size=~50;Background'"
+            "u' thread Priority=~3;Auto Recalc=~1;Update Resync=~1' 03000300000008003C000000 u'Select'"
+            "u' top 1 * from Publishers' 080000000000000800B2000000 u'Provider=sqloledb;Data Source=b'"
+            "u'radrhod1;User ID=oledb;Password=*****;Initial Catalog=pubs'")},
+        "dd+dyynum0ud9:6oo?,g");
 }
 
 std::string executeReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=dd+dyynum0' 'ud9:6oo?,g; num-args=10' 0D0A0D0A "
-        "'--dd+dyynum0ud9:6oo?,g' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 20' 0D0A0D0A000000000000000000000000 00000000000000000D0A "
-        "'--dd+dyynum0ud9:6oo?,g' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A090000350500000000100080 0000AA006D2EA4B692F23F04B2CF118D "
-        "2300AA005FFE58010754472100000000 021900B692F23F04B2CF118D2300AA00 "
-        "5FFE58010000000000000300036700D2 AD63F602EBCF11B0E300AA003F000F00 "
-        "00000500050000000100000001000000 0100C13C8EB6EB6DD0118DF600AA005F "
-        "FE5807000B0000000400010000001300 00000400010000000D00000000000E00 "
-        "000000000F0000000000100000000000 120000000000107C000200BE22B5C8F3 5CCE11ADE500AA00 'Dw=' "
-        "04007F0000000200FFFF860000000200 FFFF2200000004001E00000049000000 "
-        "040000000000C13C8EB6EB6DD0118DF6 00AA005FFE5805000400000004000F00 "
-        "00000500000004000200000003000000 04000F00000007000000040032000000 "
-        "08000000040003000000054A00010014 002200 u'pubs' 22002E002E002200 u'Publishers' 22000A00 "
-        "u'Publishers' 0000050001000100064500F201000100 0600 u'pub_id' 010001000600 u'pub_id' "
-        "810004000000FF000000FF0000001880 00000400 u'pubs' 0000FFFF064D00F2010002000800 "
-        "u'pub_name' 010002000800 u'pub_name' 810028000000FF000000FF0000006800 00000400 u'pubs' "
-        "0000FFFF063D00F2010003000400 u'city' 010003000400 u'city' "
-        "810014000000FF000000FF0000006800 00000400 u'pubs' 0000FFFF064100F2010004000500 u'state' "
-        "010004000500 u'state' 810002000000FF000000FF0000007800 00000400 u'pubs' "
-        "0000FFFF064900F2010005000700 u'country' 010005000700 u'country' "
-        "81001E000000FF000000FF0000006800 00000400 u'pubs' 0000FFFF07FF '0736' 0E "
-        "'New Moon Books' 08 'New YorkMA' 03 'USA' 0F0D0A '--dd+dyynum0ud9:6oo?,g--' 0D0A");
+    return message(
+        10,
+        {counted("0000000000000000000000000000000000000000"),
+         streamed(
+             "0900003505000000001000800000AA006D2EA4B692F23F04B2CF118D2300AA005FFE580107 'TG!'"
+             "00000000021900B692F23F04B2CF118D2300AA005FFE58010000000000000300036700D2AD63F602EBCF11B0"
+             "E300AA003F000F00000005000500000001000000010000000100C13C8EB6EB6DD0118DF600AA005FFE580700"
+             "0B000000040001000000130000000400010000000D00000000000E00000000000F0000000000100000000000"
+             "120000000000107C000200BE22B5C8F35CCE11ADE500AA00 'Dw=' 04007F0000000200FFFF860000000200FF"
+             "FF2200000004001E00000049000000040000000000C13C8EB6EB6DD0118DF600AA005FFE5805000400000004"
+             "000F000000050000000400020000000300000004000F00000007000000040032000000080000000400030000"
+             "00054A0001001400 u'\"pubs\"..\"Publishers\"' 0A00 u'Publishers' 0000050001000100064500F2"
+             "010001000600 u'pub_id' 010001000600 u'pub_id' 810004000000FF000000FF000000188000000400"
+             "u'pubs' 0000FFFF064D00F2010002000800 u'pub_name' 010002000800 u'pub_name' 810028000000FF"
+             "000000FF000000680000000400 u'pubs' 0000FFFF063D00F2010003000400 u'city' 010003000400"
+             "u'city' 810014000000FF000000FF000000680000000400 u'pubs' 0000FFFF064100F2010004000500"
+             "u'state' 010004000500 u'state' 810002000000FF000000FF000000780000000400 u'pubs' 0000FFFF"
+             "064900F2010005000700 u'country' 010005000700 u'country' 81001E000000FF000000FF0000006800"
+             "00000400 u'pubs' 0000FFFF07FF '0736' 0E 'New Moon Books' 08 'New YorkMA' 03 'USA' 0F")},
+        "dd+dyynum0ud9:6oo?,g");
 }
 
 std::string executeErrorReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=qa06besd06' 'poz)906=:,; num-args=10' 0D0A0D0A "
-        "'--qa06besd06poz)906=:,' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A0C2000010080081000000002 000000000000000A007A0E0A80000000 "
-        "00000000000100000000010000000001 0C200001008008100000000100000000 "
-        "0000000C200001008008100000000B00 00000000000003007A0E0A8003007A0E 0A8008004C000000 "
-        "u'{0000051A-0000-0010-8000-00AA006D2EA4}' 08004C000000 "
-        "u'{00000550-0000-0010-8000-00AA006D2EA4}' 03007C75C14B03000904000008007600 0000 "
-        "u'Provider cannot be found. It may not be properly i' u'nstalled.' 08004C000000 "
-        "u'{00000550-0000-0010-8000-00AA006D2EA4}' 03004FEE120008003000000043003A00 5C00 u'WINNT' "
-        "5C00 u'HELP' 5C00 u'ADO270.CHM' 080020000000 u'ADODB.Connection' 0D0A "
-        "'--qa06besd06poz)906=:,' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 18' 0D0A0D0A000000000000000000000000 0000000000000D0A "
-        "'--qa06besd06poz)906=:,' 0D0A 'Content-Type: application/x-varg' 0D0A0D0A0900010D0A "
-        "'--qa06besd06poz)906=:,--' 0D0A");
+    return message(
+        10,
+        {streamed(
+             "0C2000010080081000000002000000000000000A007A0E0A80000000000000000001000000000100"
+             "000000010C2000010080081000000001000000000000000C200001008008100000000B000000000000000300"
+             "7A0E0A8003007A0E0A8008004C000000 u'{0000051A-0000-0010-8000-00AA006D2EA4}' 08004C000000"
+             "u'{00000550-0000-0010-8000-00AA006D2EA4}' 03007C75C14B030009040000080076000000 u'Provide'"
+             "u'r cannot be found. It may not be properly installed.' 08004C000000 u'{00000550-0000-00'"
+             "u'10-8000-00AA006D2EA4}' 03004FEE1200080030000000 u'C:\\WINNT\\HELP\\ADO270.CHM' 08002000"
+             "0000 u'ADODB.Connection'"),
+         counted("000000000000000000000000000000000000"), streamed("090001")},
+        "qa06besd06poz)906=:,");
 }
 
 std::string getsqlRequest() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=abcdefghij' "
-        "'0123456789; num-args=5' 0D0A0D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 52' 0D0A0D0A08000A000000 u'P1|' "
-        "5CD500AE000002000100020000000800 14000000 u'SQL-ID-001' 0D0A '--abcdefghij0123456789--' "
-        "0D0A");
+    return request(
+        5, {counted("08000A000000 u'P1|' 5CD500AE00000200010002000000080014000000 u'SQL-ID-001'")});
 }
 
 std::string getsqlRequestWithLongs() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=abcdefghij' "
-        "'0123456789; num-args=5' 0D0A0D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 56' 0D0A0D0A08000A000000 u'P1|' "
-        "5CD500AE000003000100000003000000 0000080014000000 u'SQL-ID-001' 0D0A "
-        "'--abcdefghij0123456789--' 0D0A");
+    return request(5,
+                   {counted("08000A000000 u'P1|' 5CD500AE0000030001000000030000000000080014000000 "
+                            "u'SQL-ID-001'")});
 }
 
 std::string recordsetReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=5' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 10' 0D0A0D0A000000000000000000000D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A0D0A090000350500000000100080 "
-        "0000AA006D2EA4B692F23F04B2CF118D 2300AA005FFE58010754472100000000 "
-        "021900B692F23F04B2CF118D2300AA00 5FFE58010000000000000300036700D2 "
-        "AD63F602EBCF11B0E300AA003F000F00 00000700070000000100000003000000 "
-        "0100C13C8EB6EB6DD0118DF600AA005F FE5807000B0000000400010000001300 "
-        "00000400010000000D00000000000E00 000000000F0000000000100000000000 "
-        "120000000000107C000200BE22B5C8F3 5CCE11ADE500AA00 'Dw=' 04007F0000000200FFFF860000000200 "
-        "FFFF2200000004001E00000049000000 040000000000C13C8EB6EB6DD0118DF6 "
-        "00AA005FFE5805000400000004000F00 00000500000004000200000003000000 "
-        "04000F00000007000000040032000000 08000000040003000000053A00010012 002200 u'DB1' "
-        "22002E002200 u'dbo' 22002E002200 u'ITEM' 22000400 u'ITEM' "
-        "0000060001000100064300F301000100 0400 u'CODE' 010001000400 u'CODE' "
-        "810003000000FF000000FF0000001880 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064300F3010002000400 u'NAME' 010002000400 u'NAME' "
-        "810014000000FF000000FF0000006800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF063F00F3010003000300 u'QTY' 010003000300 u'QTY' 0300040000000A000000FF0000007800 "
-        "00000300 u'DB1' 0300 u'dbo' 0000FFFF063F00F3010004000300 u'AMT' 010004000300 u'AMT' "
-        "83001300000009000000020000007800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064700F3010005000500 u'REGDT' 010005000500 u'REGDT' "
-        "87001000000017000000030000007800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064300F3010006000400 u'MEMO' 010006000400 u'MEMO' "
-        "8200C8000000FF000000FF0000006800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF06270080010007000500 u'TOTAL' 0500080000000F000000FF0000007000 00000000FFFF07FF "
-        "'A01' 04C7D1B1DB0500000009020187D61200 000000000000000000000000D6070700 "
-        "060016002B000700C0D4540704000000 54BAA8BA000000000000F83F07 '+B02' "
-        "09020005000000000000000000000000 0000000000000007D743303300FFFFFF "
-        "FFCF070C001F0017003B003A00000000 00000000000000D0BF0F0D0A '--abcdefghij0123456789--' "
-        "0D0A");
+    return message(5, {counted("00000000000000000000"), itemsPart()});
 }
 
 std::string recordsetReplyWithStrings() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=5' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 48' 0D0A0D0A08000A000000 u'P1|' 5CD500AE000000000000080014000000 "
-        "u'SQL-ID-001' 0D0A '--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A090000350500000000100080 0000AA006D2EA4B692F23F04B2CF118D "
-        "2300AA005FFE58010754472100000000 021900B692F23F04B2CF118D2300AA00 "
-        "5FFE58010000000000000300036700D2 AD63F602EBCF11B0E300AA003F000F00 "
-        "00000700070000000100000003000000 0100C13C8EB6EB6DD0118DF600AA005F "
-        "FE5807000B0000000400010000001300 00000400010000000D00000000000E00 "
-        "000000000F0000000000100000000000 120000000000107C000200BE22B5C8F3 5CCE11ADE500AA00 'Dw=' "
-        "04007F0000000200FFFF860000000200 FFFF2200000004001E00000049000000 "
-        "040000000000C13C8EB6EB6DD0118DF6 00AA005FFE5805000400000004000F00 "
-        "00000500000004000200000003000000 04000F00000007000000040032000000 "
-        "08000000040003000000053A00010012 002200 u'DB1' 22002E002200 u'dbo' 22002E002200 u'ITEM' "
-        "22000400 u'ITEM' 0000060001000100064300F301000100 0400 u'CODE' 010001000400 u'CODE' "
-        "810003000000FF000000FF0000001880 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064300F3010002000400 u'NAME' 010002000400 u'NAME' "
-        "810014000000FF000000FF0000006800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF063F00F3010003000300 u'QTY' 010003000300 u'QTY' 0300040000000A000000FF0000007800 "
-        "00000300 u'DB1' 0300 u'dbo' 0000FFFF063F00F3010004000300 u'AMT' 010004000300 u'AMT' "
-        "83001300000009000000020000007800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064700F3010005000500 u'REGDT' 010005000500 u'REGDT' "
-        "87001000000017000000030000007800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF064300F3010006000400 u'MEMO' 010006000400 u'MEMO' "
-        "8200C8000000FF000000FF0000006800 00000300 u'DB1' 0300 u'dbo' "
-        "0000FFFF06270080010007000500 u'TOTAL' 0500080000000F000000FF0000007000 00000000FFFF07FF "
-        "'A01' 04C7D1B1DB0500000009020187D61200 000000000000000000000000D6070700 "
-        "060016002B000700C0D4540704000000 54BAA8BA000000000000F83F07 '+B02' "
-        "09020005000000000000000000000000 0000000000000007D743303300FFFFFF "
-        "FFCF070C001F0017003B003A00000000 00000000000000D0BF0F0D0A '--abcdefghij0123456789--' "
-        "0D0A");
+    return message(5, {counted("08000A000000 u'P1|' 5CD500AE000000000000080014000000"
+                               "u'SQL-ID-001'"),
+                       itemsPart()});
 }
 
 std::string nothingReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=5' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 10' 0D0A0D0A000000000000000000000D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A0D0A0900010D0A '--abcdefghij0123456789--' 0D0A");
+    return message(5, {counted("00000000000000000000"), streamed("090001")});
 }
 
 std::string putsqlRequest() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=abcdefghij' "
-        "'0123456789; num-args=3' 0D0A0D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A 'Content-Length: 19' "
-        "0D0A0D0A080000000000000800060000 00 u'DB1' 0D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A0D0A082000010080010400000003 "
-        "0000000000000010000000 u'insert A' 0000000000040000005CD500AE0D0A "
-        "'--abcdefghij0123456789--' 0D0A");
+    return request(3, {counted("08000000000000080006000000 u'DB1'"), statementsPart()});
 }
 
 std::string putsqlReplyTrue() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=3' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 24' 0D0A0D0A0800040000004F004B000800 06000000 u'DB1' 00000D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A0D0A0B00FFFF0D0A "
-        "'--abcdefghij0123456789--' 0D0A");
+    return message(3,
+                   {counted("080004000000 u'OK' 080006000000 u'DB1' 0000"), streamed("0B00FFFF")});
 }
 
 std::string putsqlReplyFalse() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=3' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A "
-        "'Content-Length: 32' 0D0A0D0A08000E000000 u'ERR 100' 080006000000 u'DB1' 0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' "
-        "0D0A0D0A082000010080010400000003 0000000000000010000000 u'insert A' "
-        "0000000000040000005CD500AE0D0A '--abcdefghij0123456789' 0D0A "
-        "'Content-Type: application/x-varg' 0D0A0D0A0B0000000D0A '--abcdefghij0123456789--' 0D0A");
+    return message(3, {counted("08000E000000 u'ERR 100' 080006000000 u'DB1'"), statementsPart(),
+                       streamed("0B000000")});
 }
 
 std::string objectErrorReply() {
-    return bytes("'Content-Type: application/x-varg' 0D0A 'Content-Length: 6' "
-                 "0D0A0D0A0A00090002807A0E0A801600 0000 u'some.object' 04000000E4C228D30000000001");
+    return Type + "Content-Length: 6\r\n\r\n" +
+           bytes("0A00090002807A0E0A8016000000 u'some.object' 04000000E4C228D30000000001");
 }
 
 std::string pingRequest() {
-    return bytes(
-        "'ADCClientVersion:01.06' 0D0A 'Content-Type: multipart/mixed; boundary=abcdefghij' "
-        "'0123456789; num-args=0' 0D0A0D0A '--abcdefghij0123456789--' 0D0A");
+    return request(0, {});
 }
 
 std::string pingReply() {
-    return bytes(
-        "'Content-Type: multipart/mixed; boundary=abcdefghij' '0123456789; num-args=0' 0D0A0D0A "
-        "'--abcdefghij0123456789' 0D0A 'Content-Type: application/x-varg' 0D0A0D0A080008000000 "
-        "u'PONG' 0D0A '--abcdefghij0123456789--' 0D0A");
+    return message(0, {streamed("080008000000 u'PONG'")});
 }
 
 } // namespace quillet::tests::vectors

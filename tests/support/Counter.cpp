@@ -114,33 +114,24 @@ void Counter::answerMessageBoxes() {
 
 std::vector<std::string> Counter::rows(const std::string& query) const {
     sqlite3* handle = nullptr;
-    sqlite3_open_v2(storeFile().c_str(), &handle, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_open_v2(storeFile().c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
     std::vector<std::string> result;
-    char* failure = nullptr;
-    sqlite3_exec(
-        handle, query.c_str(),
-        [](void* target, int columns, char** values, char**) {
-            std::string row;
-            for (int i = 0; i < columns; ++i)
-                row += (i > 0 ? "|" : "") + std::string(values[i] != nullptr ? values[i] : "NULL");
-            static_cast<std::vector<std::string>*>(target)->push_back(row);
-            return 0;
-        },
-        &result, &failure);
-    if (failure != nullptr)
-        result.emplace_back(failure);
-    sqlite3_free(failure);
+    const auto addRow = [](void* target, int columns, char** values, char**) {
+        std::string row;
+        for (int i = 0; i < columns; ++i)
+            row += (i > 0 ? "|" : "") + std::string(values[i] != nullptr ? values[i] : "NULL");
+        static_cast<std::vector<std::string>*>(target)->push_back(row);
+        return 0;
+    };
+    if (sqlite3_exec(handle, query.c_str(), addRow, &result, nullptr) != SQLITE_OK)
+        result.emplace_back(sqlite3_errmsg(handle));
     sqlite3_close(handle);
     return result;
 }
 
 void Counter::store(const std::string& statement) const {
-    sqlite3* handle = nullptr;
-    sqlite3_open_v2(storeFile().c_str(), &handle, SQLITE_OPEN_READWRITE, nullptr);
-    const int result = sqlite3_exec(handle, statement.c_str(), nullptr, nullptr, nullptr);
-    const std::string message = sqlite3_errmsg(handle);
-    sqlite3_close(handle);
-    require(result == SQLITE_OK, message);
+    const std::vector<std::string> failure = rows(statement);
+    require(failure.empty(), failure.empty() ? "" : failure.back());
 }
 
 } // namespace quillet::tests

@@ -54,27 +54,23 @@ std::string TestHeadOffice::databaseUser() {
     return environment("CHAIN_USER");
 }
 
-headoffice::Options TestHeadOffice::testOptions() {
-    headoffice::Options options;
-    options.port = 0;
-    return options;
-}
-
-TestHeadOffice::TestHeadOffice(const headoffice::Options& options)
-    : name_("quillet_test_" + std::to_string(std::random_device{}())), office_(options, log_) {
+TestHeadOffice::TestHeadOffice() : name_("quillet_test_" + std::to_string(std::random_device{}())) {
     {
         db::Connection server;
         server.Open(connectionStringOf(environment("CHAIN_DB")));
         server.Execute("CREATE DATABASE " + name_ + " DEFAULT CHARACTER SET utf8mb4");
     }
     database_.Open(connectionString());
-    createTables();
-    thread_ = std::thread([this] { office_.run(); });
+    for (const std::string& statement :
+         statementsOf(readFile(QUILLET_SOURCE_DIR "/headoffice/chain/schema.sql")))
+        database_.Execute(statement);
+    headoffice::Options options;
+    options.port = 0;
+    office_ = std::make_unique<Running<headoffice::HeadOffice>>(options, log_);
 }
 
 TestHeadOffice::~TestHeadOffice() {
-    office_.stop();
-    thread_.join();
+    office_.reset();
     try {
         database_.Execute("DROP DATABASE " + name_);
     } catch (const db::Error&) {
@@ -82,20 +78,10 @@ TestHeadOffice::~TestHeadOffice() {
     }
 }
 
-void TestHeadOffice::createTables() {
-    for (const std::string& statement :
-         statementsOf(readFile(QUILLET_SOURCE_DIR "/headoffice/chain/schema.sql")))
-        database_.Execute(statement);
-}
-
 std::string TestHeadOffice::value(const std::string& query) {
     db::Recordset rows;
     rows.Open(query, database_);
     return rows.Eof() ? "no row" : rows.Item(0).toText();
-}
-
-std::string TestHeadOffice::address() const {
-    return "127.0.0.1:" + std::to_string(office_.port());
 }
 
 std::string TestHeadOffice::connectionString() const {

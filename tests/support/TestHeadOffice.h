@@ -2,11 +2,11 @@
 
 #include "db/Connection.h"
 #include "headoffice/HeadOffice.h"
+#include "tests/support/RunningServer.h"
 
+#include <memory>
 #include <sstream>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace quillet::tests {
 
@@ -17,7 +17,7 @@ public:
     /// Whether scripts/test (or a person) has a MariaDB server running for us.
     static bool isAvailable();
 
-    explicit TestHeadOffice(const headoffice::Options& options = testOptions());
+    TestHeadOffice();
     ~TestHeadOffice();
     TestHeadOffice(const TestHeadOffice&) = delete;
     TestHeadOffice& operator=(const TestHeadOffice&) = delete;
@@ -29,7 +29,7 @@ public:
     std::string value(const std::string& query);
 
     /// "127.0.0.1:port" of the HTTP server.
-    std::string address() const;
+    std::string address() const { return office_->address(); }
 
     /// What stands in a counter's settings.
     static std::string databaseServer();
@@ -38,16 +38,11 @@ public:
 
     std::string connectionString() const;
 
-    static headoffice::Options testOptions();
-
 private:
-    void createTables();
-
     std::string name_;
     db::Connection database_;
     std::ostringstream log_;
-    headoffice::HeadOffice office_;
-    std::thread thread_;
+    std::unique_ptr<Running<headoffice::HeadOffice>> office_;
 };
 
 } // namespace quillet::tests
