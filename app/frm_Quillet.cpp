@@ -2,6 +2,7 @@
 
 #include "app/ConnectionStrings.h"
 #include "app/PlaceWindow.h"
+#include "db/AsciiText.h"
 #include "db/DB_Control.h"
 #include "db/Paths.h"
 #include "sync/UpdateStamps.h"
@@ -25,10 +26,6 @@ constexpr const char* StoreApplication = "외식업";
 constexpr QSize WindowSize(760, 520);
 constexpr std::int16_t Centred = 3;
 
-bool isBlank(const std::string& text) {
-    return text.find_first_not_of(' ') == std::string::npos;
-}
-
 /// Line ends as message boxes know them.
 QString lines(const std::string& text) {
     QString result = QString::fromStdString(text);
@@ -44,7 +41,6 @@ frm_Quillet::frm_Quillet(WindowSurroundings surroundings)
       surroundings_(std::move(surroundings)),
       controls_(*this, QString::fromStdString(surroundings_.version)) {
     setWindowTitle(QStringLiteral("기초자료 수신 - Quillet"));
-    setAttribute(Qt::WA_DeleteOnClose, false);
     connect(controls_.Cmd1[0], &QPushButton::clicked, this, &frm_Quillet::startButton);
     connect(controls_.Cmd1[1], &QPushButton::clicked, this, &QWidget::close);
     // Coming back from another program; closing a message box of our own does not count.
@@ -114,30 +110,27 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
     }
 }
 
+std::string frm_Quillet::headOfficeSetting(const char* key) const {
+    return surroundings_.settings.GetSetting(HeadOfficeApplication, "Settings", key);
+}
+
 void frm_Quillet::composeServerConnection() {
-    const auto setting = [this](const char* key) {
-        return surroundings_.settings.GetSetting(HeadOfficeApplication, "Settings", key);
-    };
-    serverConnectionString_ =
-        serverConnectionString(setting("DB서버"), setting("DBName"), setting("DBUser"));
+    serverConnectionString_ = serverConnectionString(
+        headOfficeSetting("DB서버"), headOfficeSetting("DBName"), headOfficeSetting("DBUser"));
 }
 
 void frm_Quillet::readHeadOffice() {
-    sync::Settings& settings = surroundings_.settings;
-    const auto setting = [&](const char* key) {
-        return settings.GetSetting(HeadOfficeApplication, "Settings", key);
-    };
     sync::HeadOffice& headOffice = run_->headOffice;
     headOffice.connectionString = serverConnectionString_;
-    headOffice.serverAddress = setting("1차서버");
-    if (isBlank(headOffice.serverAddress)) {
-        headOffice.serverAddress = setting("2차서버");
-        settings.SaveSetting(HeadOfficeApplication, "Settings", "1차서버",
-                             headOffice.serverAddress);
+    headOffice.serverAddress = headOfficeSetting("1차서버");
+    if (db::isBlank(headOffice.serverAddress)) {
+        headOffice.serverAddress = headOfficeSetting("2차서버");
+        surroundings_.settings.SaveSetting(HeadOfficeApplication, "Settings", "1차서버",
+                                           headOffice.serverAddress);
     }
-    headOffice.remoteObjectName = setting("개체명");
-    headOffice.storeCode = setting("가맹점");
-    if (isBlank(headOffice.storeCode))
+    headOffice.remoteObjectName = headOfficeSetting("개체명");
+    headOffice.storeCode = headOfficeSetting("가맹점");
+    if (db::isBlank(headOffice.storeCode))
         headOffice.storeCode = "1000"; // not saved
 }
 

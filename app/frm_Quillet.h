@@ -52,6 +52,7 @@ private:
     void openStoreDatabase(bool& opened);
     void composeServerConnection();
     void readHeadOffice();
+    std::string headOfficeSetting(const char* key) const;
 
     // ReceiveView
     sync::Ticks ticks() const override;

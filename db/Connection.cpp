@@ -1,6 +1,6 @@
 #include "db/Connection.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 #include "db/ConnectionString.h"
 #include "db/Paths.h"
 #include "db/odbc/OdbcEngine.h"

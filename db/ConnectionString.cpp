@@ -1,6 +1,6 @@
 #include "db/ConnectionString.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 
 #include <utility>
 
@@ -8,12 +8,7 @@ namespace quillet::db {
 
 namespace {
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
+constexpr std::string_view Blanks = " \t\r\n";
 
 /// Reads a braced value.
 /// @param position at the "{"; afterwards behind the closing brace, or at the end without one.
@@ -38,14 +33,14 @@ ConnectionString::ConnectionString(std::string text) : text_(std::move(text)) {
         Entry entry{position, 0, {}, {}};
         const std::size_t mark = all.find_first_of("=;", position);
         if (mark != std::string_view::npos && all[mark] == '=') {
-            entry.key = trimmed(all.substr(position, mark - position));
+            entry.key = trimmed(all.substr(position, mark - position), Blanks);
             std::size_t begin = all.find_first_not_of(" \t", mark + 1);
             if (begin != std::string_view::npos && all[begin] == '{') {
                 entry.value = braced(all, begin);
                 entry.end = all.find(';', begin);
             } else {
                 entry.end = all.find(';', mark);
-                entry.value = trimmed(all.substr(mark + 1, entry.end - mark - 1));
+                entry.value = trimmed(all.substr(mark + 1, entry.end - mark - 1), Blanks);
             }
         } else {
             entry.end = mark;

@@ -20,4 +20,22 @@ Error providerError(const std::string& sqlState, const std::string& description)
     return Error({ErrorRecord{numberOfSqlState(sqlState), description, sqlState}});
 }
 
+Error currentError() {
+    try {
+        throw;
+    } catch (const Error& error) {
+        return error;
+    } catch (const std::exception& other) {
+        return {number::Unspecified, other.what()};
+    }
+}
+
+Error invalidUseOfNull() {
+    return {number::InvalidUseOfNull, "Invalid use of Null"};
+}
+
+Error typeMismatch() {
+    return {number::TypeMismatch, "Type mismatch"};
+}
+
 } // namespace quillet::db

@@ -61,6 +61,16 @@ private:
 /// own, everything else is `number::Unspecified`.
 long numberOfSqlState(const std::string& sqlState) noexcept;
 
+/// The exception being handled, as an Error: what is none becomes `number::Unspecified`.
+/// @pre called in a handler of std::exception.
+Error currentError();
+
+/// Error 94.
+Error invalidUseOfNull();
+
+/// Error 13.
+Error typeMismatch();
+
 /// A provider error with one record.
 Error providerError(const std::string& sqlState, const std::string& description);
 

@@ -1,5 +1,6 @@
 #include "db/Recordset.h"
 
+#include "db/AsciiText.h"
 #include "db/Connection.h"
 #include "db/Error.h"
 
@@ -12,21 +13,12 @@ namespace {
 
 constexpr std::uint32_t NoRow = std::numeric_limits<std::uint32_t>::max();
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalNames(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
-}
-
 /// The form of a text in which those that a rule calls equal are identical.
 void fold(std::string& text, TextComparison comparison) {
     if (comparison == TextComparison::Access || comparison == TextComparison::RTrim)
         text.resize(text.find_last_not_of(' ') + 1);
     if (comparison == TextComparison::Access || comparison == TextComparison::NoCase)
-        std::transform(text.begin(), text.end(), text.begin(), lower);
+        std::transform(text.begin(), text.end(), text.begin(), upperAscii);
 }
 
 struct Criteria {
@@ -38,13 +30,6 @@ struct Criteria {
     throw Error(number::InvalidArgument,
                 "Arguments are of the wrong type, are out of acceptable range, or are in conflict "
                 "with one another.");
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 /// Reads `COLUMN = 'text'`.
@@ -117,7 +102,7 @@ void Recordset::Find(std::string_view criteria) {
     requireCurrent();
     Criteria wanted = parseCriteria(criteria);
     const auto field = std::find_if(fields_.begin(), fields_.end(), [&](const Field& candidate) {
-        return equalNames(candidate.Name, wanted.column);
+        return equalIgnoringCase(candidate.Name, wanted.column);
     });
     if (field == fields_.end())
         throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "

@@ -1,33 +1,12 @@
 #include "db/VelkDBPro.h"
 
+#include "db/AsciiText.h"
 #include "db/BatchProgress.h"
 #include "db/Transaction.h"
 
 #include <exception>
 
 namespace quillet::db {
-
-namespace {
-
-std::string trimmed(const std::string& text) {
-    const auto first = text.find_first_not_of(' ');
-    if (first == std::string::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-/// The exception being handled, as an Error.
-Error currentError() {
-    try {
-        throw;
-    } catch (const Error& error) {
-        return error;
-    } catch (const std::exception& other) {
-        return {number::Unspecified, other.what()};
-    }
-}
-
-} // namespace
 
 VelkDBPro::VelkDBPro(DailyLog dailyLog, Yield yield)
     : dailyLog_(std::move(dailyLog)), yield_(std::move(yield)) {}
@@ -49,7 +28,8 @@ void VelkDBPro::failWithErrors() {
 
 void VelkDBPro::failWith(const Error& error) {
     StatusFlag = 0;
-    ErrText = std::to_string(error.Number()) + " : " + trimmed(error.Description());
+    ErrText = std::to_string(error.Number()) + " : ";
+    ErrText += trimmed(error.what());
 }
 
 void VelkDBPro::DBOpen(const std::string& constr) {

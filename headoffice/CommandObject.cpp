@@ -15,7 +15,7 @@ namespace {
 std::vector<std::string> statementsOf(const rds::Variant& argument) {
     const auto* array = std::get_if<rds::VariantArray>(&argument);
     if (array == nullptr || array->dimensions.size() > 1)
-        throw db::Error(db::number::TypeMismatch, "Type mismatch");
+        throw db::typeMismatch();
     std::vector<std::string> statements;
     std::int64_t index = array->dimensions.empty() ? 0 : array->dimensions.front().lowerBound;
     for (const rds::Variant& element : array->elements) {

@@ -1,6 +1,6 @@
 #include "headoffice/RequestLog.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 
 #include <algorithm>
 #include <cstddef>

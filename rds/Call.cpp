@@ -1,5 +1,6 @@
 #include "rds/Call.h"
 
+#include "db/AsciiText.h"
 #include "db/Error.h"
 #include "rds/MessageFormat.h"
 #include "rds/MessageReader.h"
@@ -45,16 +46,10 @@ ScodeError malformed(const std::string& why) {
     return error;
 }
 
-char lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 /// ProgID and method of a request's path.
 void splitPath(std::string_view path, Call& call) {
-    const bool known =
-        path.size() > Endpoint.size() && std::equal(Endpoint.begin(), Endpoint.end(), path.begin(),
-                                                    [](char a, char b) { return a == lower(b); });
-    const std::string_view name = known ? path.substr(Endpoint.size()) : std::string_view();
+    const std::string_view name =
+        isCallPath(path) ? path.substr(Endpoint.size()) : std::string_view();
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0 || dot + 1 == name.size())
         throw CallError(malformed("The path names no method of an object."));
@@ -66,6 +61,10 @@ void splitPath(std::string_view path, Call& call) {
 
 CallError::CallError(ScodeError error)
     : std::runtime_error(describe(error)), error_(std::move(error)) {}
+
+bool isCallPath(std::string_view path) noexcept {
+    return db::startsWithIgnoringCase(path, Endpoint);
+}
 
 std::string callPath(const Call& call) {
     return std::string(Endpoint) + call.progId + "." + call.method;

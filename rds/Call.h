@@ -31,6 +31,9 @@ struct Reply {
 /// The path of the request line: `/msadc/msadcs.dll/<ProgID>.<Method>`.
 std::string callPath(const Call& call);
 
+/// Whether a request's path is one of a call. Letter case does not count.
+bool isCallPath(std::string_view path) noexcept;
+
 /// A fresh boundary of 20 characters from the protocol's alphabet (MS-ADTG 2.2.2.5).
 std::string newBoundary();
 

@@ -1,5 +1,6 @@
 #include "rds/CallServer.h"
 
+#include "db/AsciiText.h"
 #include "db/Error.h"
 
 #include <cstdint>
@@ -11,17 +12,7 @@ namespace quillet::rds {
 
 namespace {
 
-constexpr std::string_view PathPrefix = "/msadc/msadcs.dll/";
 constexpr std::size_t HeldBack = 64U << 10U;
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    }
-    return result;
-}
 
 ScodeError failure(std::uint32_t scode, long number, std::string source, std::string description) {
     ScodeError error;
@@ -133,9 +124,9 @@ CallServer::CallServer(Options options, Observer observer)
     : options_(options), observer_(std::move(observer)) {}
 
 void CallServer::add(const std::string& progId, ServerObject& object) {
-    auto& methods = objects_[lowerCase(progId)];
+    auto& methods = objects_[db::upperCase(progId)];
     for (ServerObject::Method& method : object.methods())
-        methods.insert_or_assign(lowerCase(method.name), std::move(method));
+        methods.insert_or_assign(db::upperCase(method.name), std::move(method));
 }
 
 void CallServer::handle(const HttpRequest& request, HttpReply& reply) const {
@@ -150,7 +141,7 @@ void CallServer::handle(const HttpRequest& request, HttpReply& reply) const {
             observer_(record);
     };
     try {
-        if (!lowerCase(request.target).starts_with(PathPrefix)) {
+        if (!isCallPath(request.target)) {
             record.error = "no such path";
             reply.error(404, "There is nothing here");
         } else if (request.method != "POST") {
@@ -184,14 +175,11 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
         if (body.begun())
             throw;
         error = refusal.error();
-    } catch (const db::Error& exception) {
+    } catch (const std::exception&) {
         if (body.begun())
             throw;
+        const db::Error exception = db::currentError();
         error = failure(scode::Exception, exception.Number(), record.target, exception.what());
-    } catch (const std::exception& exception) {
-        if (body.begun())
-            throw;
-        error = failure(scode::Exception, db::number::Unspecified, record.target, exception.what());
     }
     const auto number = error.scode == scode::Exception ? error.innerScode : error.scode;
     record.error = "error " + std::to_string(static_cast<std::int32_t>(number)) + ": " +
@@ -202,11 +190,11 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
 }
 
 const ServerObject::Method& CallServer::find(const Call& call) const {
-    const auto object = objects_.find(lowerCase(call.progId));
+    const auto object = objects_.find(db::upperCase(call.progId));
     if (object == objects_.end())
         throw CallError(failure(scode::InvalidArgument, 0, call.progId,
                                 "There is no object '" + call.progId + "' on this server."));
-    const auto method = object->second.find(lowerCase(call.method));
+    const auto method = object->second.find(db::upperCase(call.method));
     if (method == object->second.end())
         throw CallError(
             failure(scode::UnknownMethod, 0, call.progId,

@@ -91,7 +91,7 @@ private:
 
     Options options_;
     Observer observer_;
-    /// By ProgID and method name in lower case.
+    /// By ProgID and method name in upper case.
     std::map<std::string, std::map<std::string, ServerObject::Method>> objects_;
 };
 

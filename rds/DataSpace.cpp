@@ -1,6 +1,6 @@
 #include "rds/DataSpace.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 #include "db/Error.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "rds/MessageReader.h"
 
+#include "db/AsciiText.h"
 #include "rds/ByteReader.h"
 #include "rds/MessageFormat.h"
 #include "rds/VariantCodec.h"
@@ -12,15 +13,9 @@ namespace quillet::rds {
 
 namespace {
 
-char lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 /// Takes a prefix off a line if it is there in any letter case.
 bool takePrefix(std::string_view& line, std::string_view prefix) noexcept {
-    const bool matches = line.size() >= prefix.size() &&
-                         std::equal(prefix.begin(), prefix.end(), line.begin(),
-                                    [](char a, char b) { return lower(a) == lower(b); });
+    const bool matches = db::startsWithIgnoringCase(line, prefix);
     if (matches)
         line.remove_prefix(prefix.size());
     return matches;

@@ -10,10 +10,6 @@ namespace {
 
 constexpr long ObjectVariableNotSet = 91;
 
-db::Error typeMismatch() {
-    return {db::number::TypeMismatch, "Type mismatch"};
-}
-
 std::string returned(const Variant& argument, const std::string& kept) {
     return argument.isEmpty() ? kept : argument.toText();
 }
@@ -23,7 +19,7 @@ std::vector<std::string> returned(const Variant& argument, const std::vector<std
         return kept;
     const auto* array = std::get_if<VariantArray>(&argument);
     if (array == nullptr)
-        throw typeMismatch();
+        throw db::typeMismatch();
     std::vector<std::string> texts;
     texts.reserve(array->elements.size());
     for (const Variant& element : array->elements)
@@ -40,7 +36,7 @@ bool toBoolean(const Variant& value) {
         return *number != 0;
     if (value.isEmpty())
         return false;
-    throw typeMismatch();
+    throw db::typeMismatch();
 }
 
 } // namespace
@@ -54,7 +50,7 @@ db::Recordset RemoteObject::Getsql(std::string& sql, std::int16_t first, std::in
                                     information, Variant::string(connection)});
     const auto* object = reply.result ? std::get_if<Dispatch>(&*reply.result) : nullptr;
     if (object == nullptr)
-        throw typeMismatch();
+        throw db::typeMismatch();
     if (!object->recordset)
         throw db::Error(ObjectVariableNotSet, "Object variable or With block variable not set");
     std::string newSql = returned(reply.arguments[0], sql);
@@ -71,7 +67,7 @@ bool RemoteObject::PUTSQL(std::vector<std::string>& statements, std::string& err
     const Reply reply = invoke("PUTSQL", {Variant::strings(statements), Variant::string(errorText),
                                           Variant::string(connection)});
     if (!reply.result)
-        throw typeMismatch();
+        throw db::typeMismatch();
     const bool executed = toBoolean(*reply.result);
     auto newStatements = returned(reply.arguments[0], statements);
     std::string newErrorText = returned(reply.arguments[1], errorText);

@@ -77,7 +77,7 @@ std::string Variant::toText() const {
     case VarType::Empty:
         return {};
     case VarType::Null:
-        throw db::Error(db::number::InvalidUseOfNull, "Invalid use of Null");
+        throw db::invalidUseOfNull();
     case VarType::I2:
         return Value::integer(std::get<std::int16_t>(*this)).toText();
     case VarType::I4:
@@ -99,7 +99,7 @@ std::string Variant::toText() const {
     case VarType::UI1:
         return Value::integer(std::get<std::uint8_t>(*this)).toText();
     default:
-        throw db::Error(db::number::TypeMismatch, "Type mismatch");
+        throw db::typeMismatch();
     }
 }
 

@@ -1,5 +1,6 @@
 #include "receivers/ReceiveCategories.h"
 
+#include "db/AsciiText.h"
 #include "sync/Receiver.h"
 #include "sync/StatementTemplate.h"
 
@@ -40,7 +41,7 @@ void emptyMenuTables(sync::Run& run) {
 }
 
 bool neverReceived(const sync::Run& run) {
-    return run.stamp(sync::Group::Menu).find_first_not_of(' ') == std::string::npos;
+    return db::isBlank(run.stamp(sync::Group::Menu));
 }
 
 } // namespace

@@ -69,14 +69,12 @@ bool guardReceiver(Run& run, std::string_view title,
     try {
         steps(handledRows);
         return true;
-    } catch (const db::Error& error) {
+    } catch (const std::exception&) {
+        const db::Error error = db::currentError();
         run.WriteDownloadLog(std::string(title), loggedStatement(run, handledRows), error.Number(),
                              error.Description());
-    } catch (const std::exception& other) {
-        run.WriteDownloadLog(std::string(title), loggedStatement(run, handledRows),
-                             db::number::Unspecified, other.what());
+        return false;
     }
-    return false;
 }
 
 bool receive(Run& run, const Upsert& upsert) {

@@ -8,7 +8,7 @@ namespace quillet::sync {
 double ServerRow::number(std::size_t field) const {
     const db::Value value = rows_.Item(field);
     if (value.isNull())
-        throw db::Error(db::number::InvalidUseOfNull, "Invalid use of Null");
+        throw db::invalidUseOfNull();
     if (value.kind() == db::Value::Kind::Text)
         return leadingNumber(value.bytes());
     return leadingNumber(value.toText());

@@ -1,6 +1,6 @@
 #include "db/odbc/OdbcEngine.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 #include "db/odbc/OdbcCursor.h"
 #include "db/odbc/OdbcHandle.h"
 

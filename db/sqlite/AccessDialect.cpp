@@ -1,6 +1,6 @@
 #include "db/sqlite/AccessDialect.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 #include "db/Error.h"
 
 #include <algorithm>

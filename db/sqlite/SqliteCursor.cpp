@@ -1,6 +1,6 @@
 #include "db/sqlite/SqliteCursor.h"
 
-#include "db/CaseInsensitive.h"
+#include "db/AsciiText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -23,8 +23,7 @@ bool containsOneOf(std::string_view text, std::initializer_list<std::string_view
 
 /// Close to SQLite's affinity rules (sqlite.org/datatype3.html, 3.1), with Access's type names too.
 DataType typeOfDeclaration(std::string_view declared) {
-    std::string upper(declared);
-    std::transform(upper.begin(), upper.end(), upper.begin(), upperAscii);
+    const std::string upper = upperCase(declared);
     if (upper.find("BIGINT") != std::string::npos)
         return DataType::BigInt;
     if (containsOneOf(upper, {"CHAR", "CLOB", "TEXT", "MEMO"}))

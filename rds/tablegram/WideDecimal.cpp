@@ -1,5 +1,6 @@
 #include "rds/tablegram/WideDecimal.h"
 
+#include "db/AsciiText.h"
 #include "db/Error.h"
 
 #include <algorithm>
@@ -70,9 +71,7 @@ std::size_t writeDigits(Limbs limbs, char* out) {
 
 WideDecimal WideDecimal::parse(std::string_view text) {
     constexpr int MaxScale = 38;
-    const auto first = text.find_first_not_of(' ');
-    text = first == std::string_view::npos ? "" : text.substr(first);
-    text = text.substr(0, text.find_last_not_of(' ') + 1);
+    text = db::trimmed(text);
 
     WideDecimal result;
     std::size_t i = 0;
