@@ -1,40 +1,97 @@
 #include "app/RunDriver.h"
 
+#include "receivers/ReceiveAccountTitles.h"
+#include "receivers/ReceiveAvailability.h"
+#include "receivers/ReceiveBusinessInformation.h"
 #include "receivers/ReceiveCategories.h"
+#include "receivers/ReceiveCourseMenus.h"
+#include "receivers/ReceiveMembers.h"
+#include "receivers/ReceiveOptionMenus.h"
+#include "receivers/ReceiveOptionNames.h"
+#include "receivers/ReceiveProductsBase.h"
+#include "receivers/ReceiveProductsPriceOption.h"
+#include "receivers/ReceiveSetMenus.h"
+#include "receivers/ReceiveSettings.h"
+#include "receivers/ReceiveTradePartners.h"
+#include "receivers/ReceiveUsers.h"
+#include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
+#include "sync/ReceivedRowFlags.h"
 #include "sync/SettingsFlags.h"
 #include "sync/UpdateStamps.h"
+
+#include <span>
 
 namespace quillet::app {
 
 namespace {
 
-constexpr auto MenuGroup = static_cast<std::size_t>(sync::Group::Menu);
-
-/// What the status line and the download log say when a group's first receiver fails, or a query
-/// made on its behalf before it.
-struct FirstStep {
+/// One step of a group, and what the status line says when it fails.
+struct Step {
+    bool (*receive)(sync::Run&);
     const char* failureText;
-    const char* title;
 };
 
-constexpr FirstStep Categories{"분류자료 수신 실패했습니다", receivers::CategoriesTitle};
+/// A group's steps, each taken only if the one before it succeeded.
+struct GroupSteps {
+    std::span<const Step> steps;
+    const char* title; ///< under which the download log has a query made for the whole group
+};
 
-constexpr std::array<FirstStep, sync::Groups> FirstSteps{
-    {Categories,
-     {"회원자료 수신 실패했습니다", "회원 자료수신"},
-     {"사용자자료 수신 실패했습니다", "사용자 자료수신"},
-     {"설정자료 수신 실패했습니다", "설정 자료수신"},
-     {"계정과목 수신 실패했습니다", "계정과목 자료수신"}}};
+bool readSettingsFlags(sync::Run& run) {
+    return sync::ReadSettingsFlags(run, receivers::CategoriesTitle);
+}
+
+bool receiveProducts(sync::Run& run) {
+    return run.priceOptionFlag == "Y" ? receivers::ReceiveProductsPriceOption(run)
+                                      : receivers::ReceiveProductsBase(run);
+}
+
+bool receiveSetMenusUnlessSkipped(sync::Run& run) {
+    run.setMenuSkipFlag = sync::leadingInteger(sync::ReadSetMenuSetting(run));
+    return run.setMenuSkipFlag != 0 || receivers::ReceiveSetMenus(run);
+}
+
+constexpr std::array Menu{
+    Step{readSettingsFlags, "분류자료 수신 실패했습니다"},
+    Step{receivers::ReceiveCategories, "분류자료 수신 실패했습니다"},
+    Step{receiveProducts, "메뉴자료 수신 실패했습니다"},
+    Step{receivers::ReceiveAvailability, "메뉴취급여부 수신 실패했습니다"},
+    Step{receivers::ReceiveOptionNames, "옵션자료 수신 실패했습니다"},
+    Step{receivers::ReceiveCourseMenus, "코스메뉴 수신 실패했습니다"},
+    Step{receivers::ReceiveOptionMenus, "옵션메뉴 수신 실패했습니다"},
+    Step{receiveSetMenusUnlessSkipped, "세트메뉴 수신 실패했습니다"},
+};
+constexpr std::array Members{
+    Step{receivers::ReceiveMembers, "회원자료 수신 실패했습니다"},
+    Step{receivers::ReceiveTradePartners, "거래처자료 수신 실패했습니다"},
+};
+constexpr std::array Users{Step{receivers::ReceiveUsers, "사용자자료 수신 실패했습니다"}};
+constexpr std::array Settings{Step{receivers::ReceiveGlobalSettings, "설정자료 수신 실패했습니다"}};
+constexpr std::array AccountTitles{
+    Step{receivers::ReceiveAccountTitles, "계정과목 수신 실패했습니다"}};
+constexpr std::array BusinessInformation{
+    Step{receivers::ReceiveBusinessInformation, "사업장정보 수신 실패했습니다"}};
+
+/// In the order in which the groups are received. The last one has no checkbox.
+constexpr std::array<GroupSteps, sync::Groups + 1> AllGroups{
+    {{Menu, receivers::CategoriesTitle},
+     {Members, receivers::MembersTitle},
+     {Users, receivers::UsersTitle},
+     {Settings, receivers::GlobalSettingsTitle},
+     {AccountTitles, receivers::AccountTitlesTitle},
+     {BusinessInformation, receivers::BusinessInformationTitle}}};
 
 /// Business information is received whatever is ticked.
-constexpr FirstStep BusinessInformation{"사업장정보 수신 실패했습니다", "사업장정보 자료수신"};
+bool isReceived(const sync::Ticks& ticks, std::size_t group) {
+    return group >= ticks.size() || ticks[group];
+}
 
-const FirstStep& firstStepOf(const sync::Ticks& ticks) {
-    for (std::size_t group = 0; group < ticks.size(); ++group)
-        if (ticks[group])
-            return FirstSteps[group];
-    return BusinessInformation;
+const GroupSteps& firstReceived(const sync::Ticks& ticks) {
+    std::size_t group = 0;
+    while (!isReceived(ticks, group))
+        ++group;
+    return AllGroups[group];
 }
 
 std::int32_t sumBefore(const db::GroupCounts& counts, std::size_t group) {
@@ -57,6 +114,7 @@ RunDriver::Result RunDriver::receive() {
     view_.PBar1(1).SetValue(0);
     view_.setHourglass(true);
     run_.clearStatements();
+    run_.DelList.assign(1, std::string());
     if (!collect())
         return Result::Failed;
 
@@ -70,28 +128,20 @@ RunDriver::Result RunDriver::receive() {
 
 bool RunDriver::collect() {
     const sync::Ticks ticks = view_.ticks();
-    const FirstStep& first = firstStepOf(ticks);
+    const GroupSteps& first = firstReceived(ticks);
     if (!sync::QueueStamps(run_, ticks, first.title))
-        return fail(first.failureText);
+        return fail(first.steps.front().failureText);
 
-    for (std::size_t group = 0; group < run_.groupCounts.size(); ++group) {
-        if (group == MenuGroup && ticks[MenuGroup] && !receiveMenu())
-            return false;
+    for (std::size_t group = 0; group < AllGroups.size(); ++group) {
+        if (isReceived(ticks, group))
+            for (const Step& step : AllGroups[group].steps)
+                if (!step.receive(run_))
+                    return fail(step.failureText);
         run_.groupCounts[group] = run_.upperBound() - sumBefore(run_.groupCounts, group);
     }
 
     // Business information is deliberately outside the total.
-    run_.RowTotal = sumBefore(run_.groupCounts, 5);
-    return true;
-}
-
-bool RunDriver::receiveMenu() {
-    if (!sync::ReadSettingsFlags(run_, Categories.title))
-        return fail(Categories.failureText);
-    if (!receivers::ReceiveCategories(run_))
-        return fail(Categories.failureText);
-    run_.setMenuSkipFlag =
-        static_cast<std::int16_t>(sync::leadingNumber(sync::ReadSetMenuSetting(run_)));
+    run_.RowTotal = sumBefore(run_.groupCounts, sync::Groups);
     return true;
 }
 
@@ -109,6 +159,12 @@ RunDriver::Result RunDriver::execute() {
         return Result::Failed;
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
+    sync::SweepReceivedRows(run_);
+    // What follows is outside the run's transaction: the base data is there, whatever comes of it.
+    if (receivers::ReceiveStoreSettings(run_))
+        run_.store().PUT_DATA_DEL(run_.statements);
+    else
+        fail("매장별설정자료 수신 실패했습니다");
     return Result::Received;
 }
 

@@ -8,7 +8,8 @@
 namespace quillet::app {
 
 /// What the start button does: receives the ticked groups in their fixed order, then hands what
-/// they collected to the store in one transaction.
+/// they collected to the store in one transaction. After a success it sweeps the rows that no
+/// longer came, and receives the store's own settings.
 class RunDriver {
 public:
     enum class Result : std::int16_t {
@@ -23,7 +24,6 @@ public:
 
 private:
     bool collect();
-    bool receiveMenu();
     Result execute();
     bool fail(const char* text);
 

@@ -2,9 +2,11 @@
 
 #include "app/ConnectionStrings.h"
 #include "app/PlaceWindow.h"
+#include "app/VersionReport.h"
 #include "db/AsciiText.h"
 #include "db/DB_Control.h"
 #include "db/Paths.h"
+#include "sync/ReceivedRowFlags.h"
 #include "sync/UpdateStamps.h"
 
 #include <QCloseEvent>
@@ -19,9 +21,6 @@
 namespace quillet::app {
 
 namespace {
-
-constexpr const char* HeadOfficeApplication = "HALDREN";
-constexpr const char* StoreApplication = "외식업";
 
 constexpr QSize WindowSize(760, 520);
 constexpr std::int16_t Centred = 3;
@@ -77,6 +76,8 @@ void frm_Quillet::Form_Activate() {
             db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock);
         readHeadOffice();
         QCoreApplication::processEvents(); // so that the window paints
+        reportVersionOnce();
+        migrateFlagColumnsOnce();
         sync::ReadStamps(*run_);
         runDriver();
         activated_ = true;
@@ -91,7 +92,8 @@ void frm_Quillet::Form_QueryUnload() {
 void frm_Quillet::openStoreDatabase(bool& opened) {
     opened = false;
     try {
-        std::string folder = surroundings_.settings.GetSetting(StoreApplication, "LOCATION", "ID");
+        std::string folder =
+            surroundings_.settings.GetSetting(sync::StoreApplication, "LOCATION", "ID");
         if (folder.empty())
             folder = db::textOf(surroundings_.programFolder);
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
@@ -111,7 +113,7 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
 }
 
 std::string frm_Quillet::headOfficeSetting(const char* key) const {
-    return surroundings_.settings.GetSetting(HeadOfficeApplication, "Settings", key);
+    return sync::headOfficeSetting(surroundings_.settings, key);
 }
 
 void frm_Quillet::composeServerConnection() {
@@ -125,13 +127,27 @@ void frm_Quillet::readHeadOffice() {
     headOffice.serverAddress = headOfficeSetting("1차서버");
     if (db::isBlank(headOffice.serverAddress)) {
         headOffice.serverAddress = headOfficeSetting("2차서버");
-        surroundings_.settings.SaveSetting(HeadOfficeApplication, "Settings", "1차서버",
+        surroundings_.settings.SaveSetting(sync::HeadOfficeApplication, "Settings", "1차서버",
                                            headOffice.serverAddress);
     }
     headOffice.remoteObjectName = headOfficeSetting("개체명");
     headOffice.storeCode = headOfficeSetting("가맹점");
     if (db::isBlank(headOffice.storeCode))
         headOffice.storeCode = "1000"; // not saved
+}
+
+void frm_Quillet::reportVersionOnce() {
+    constexpr const char* Application = "ZELMARO_II";
+    sync::Settings& settings = surroundings_.settings;
+    const std::string version(db::trimmed(surroundings_.version));
+    const std::string reported = settings.GetSetting(Application, "DBLOC", "RCVVERSION");
+    if (version != db::trimmed(reported) && ReportReceiveVersion(*run_, version))
+        settings.SaveSetting(Application, "DBLOC", "RCVVERSION", version);
+}
+
+void frm_Quillet::migrateFlagColumnsOnce() {
+    if (surroundings_.settings.GetSetting(sync::StoreApplication, "RCV", "TABLEUPDATE").empty())
+        sync::MigrateFlagColumns(*run_);
 }
 
 void frm_Quillet::startButton() {

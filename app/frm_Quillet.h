@@ -52,6 +52,8 @@ private:
     void openStoreDatabase(bool& opened);
     void composeServerConnection();
     void readHeadOffice();
+    void reportVersionOnce();
+    void migrateFlagColumnsOnce();
     std::string headOfficeSetting(const char* key) const;
 
     // ReceiveView

@@ -1,8 +1,9 @@
 #include "receivers/ReceiveCategories.h"
 
 #include "db/AsciiText.h"
+#include "receivers/Titles.h"
 #include "sync/Receiver.h"
-#include "sync/StatementTemplate.h"
+#include "sync/SqlTemplate.h"
 
 namespace quillet::receivers {
 
@@ -20,16 +21,18 @@ constexpr const char* ServerSql =
 
 // The store numbers new categories itself, in the order in which they arrive; the head office's
 // order is deliberately not taken over.
-const sync::StatementTemplate
-    Insert(" INSERT INTO KIND (KIND_CODE,KIND_NAME,KIND_ORDER,KIND_VISIBLE) "
-           " SELECT '{0}','{1}',IIF(COUNT(*) = 0,1,MAX(KIND_ORDER) + 1),0 "
-           " FROM KIND ");
+const sync::SqlTemplate Insert(" INSERT INTO KIND (KIND_CODE,KIND_NAME,KIND_ORDER,KIND_VISIBLE) "
+                               " SELECT '{0}','{1}',IIF(COUNT(*) = 0,1,MAX(KIND_ORDER) + 1),0 "
+                               " FROM KIND ");
 
 // Whatever the hidden marker says: order and visibility of a known category are the store's own.
-const sync::StatementTemplate Update(" UPDATE KIND SET KIND_NAME = '{1}' WHERE KIND_CODE = '{0}' ");
+const sync::SqlTemplate Update(" UPDATE KIND SET KIND_NAME = '{1}' WHERE KIND_CODE = '{0}' ");
 
-bool isShown(const sync::ServerRow& row) {
-    return row.number(2) == 0;
+/// A new category that is hidden is not created at all.
+std::optional<std::string> insertIfShown(const sync::ServerRow& row) {
+    if (row.number(2) != 0)
+        return std::nullopt;
+    return Insert.render(row);
 }
 
 void emptyMenuTables(sync::Run& run) {
@@ -47,23 +50,17 @@ bool neverReceived(const sync::Run& run) {
 } // namespace
 
 bool ReceiveCategories(sync::Run& run) {
-    sync::Upsert categories;
-    categories.title = CategoriesTitle;
-    categories.ServerSql = ServerSql;
-    categories.StoreSql = " SELECT KIND_CODE,KIND_NAME FROM KIND ";
-    categories.rowTotal = sync::RowTotalRule::Set;
-    categories.keyPrefix = "KIND_CODE = '";
-    categories.beforeLookup = [&run] {
-        if (neverReceived(run))
-            emptyMenuTables(run);
-    };
-    categories.insert = [](const sync::ServerRow& row) -> std::optional<std::string> {
-        if (!isShown(row))
-            return std::nullopt; // a new category that is hidden is not created at all
-        return Insert.render(row);
-    };
-    categories.update = [](const sync::ServerRow& row) { return Update.render(row); };
-    return sync::receive(run, categories);
+    return sync::receive(run, {.title = CategoriesTitle,
+                               .ServerSql = ServerSql,
+                               .StoreSql = " SELECT KIND_CODE,KIND_NAME FROM KIND ",
+                               .rowTotal = sync::RowTotalRule::Set,
+                               .criteria = sync::SqlTemplate("KIND_CODE = '{0}' "),
+                               .insert = insertIfShown,
+                               .update = Update,
+                               .beforeLookup = [&run] {
+                                   if (neverReceived(run))
+                                       emptyMenuTables(run);
+                               }});
 }
 
 } // namespace quillet::receivers

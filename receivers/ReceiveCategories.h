@@ -4,8 +4,6 @@
 
 namespace quillet::receivers {
 
-inline constexpr const char* CategoriesTitle = "품목분류 자료수신";
-
 /// Brings the head office's menu categories into the store table `KIND`, all of them on every run.
 ///
 /// When the menu has never been received (no stamp), the store's menu tables are emptied first,

@@ -2,7 +2,10 @@
 
 #include "db/Value.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
+#include <limits>
 
 namespace quillet::sync {
 
@@ -28,6 +31,12 @@ double leadingNumber(std::string_view text) noexcept {
     double value = 0;
     std::from_chars(first, last, value, std::chars_format::fixed);
     return value;
+}
+
+std::int16_t leadingInteger(std::string_view text) noexcept {
+    using Limits = std::numeric_limits<std::int16_t>;
+    const double rounded = std::nearbyint(leadingNumber(text));
+    return static_cast<std::int16_t>(std::clamp<double>(rounded, Limits::min(), Limits::max()));
 }
 
 std::string numberText(double value) {

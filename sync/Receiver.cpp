@@ -45,13 +45,9 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
             appendIfAny(run, insert(row));
         return;
     }
-    std::string criteria;
     for (; !ServerRs.Eof(); ServerRs.MoveNext()) {
-        criteria = upsert.keyPrefix;
-        criteria += upsert.key ? upsert.key(row) : row.text(0);
-        criteria += "' ";
         StoreRs.MoveFirst();
-        StoreRs.Find(criteria);
+        StoreRs.Find(upsert.criteria.render(row));
         if (StoreRs.Eof())
             appendIfAny(run, upsert.insert(row));
         else

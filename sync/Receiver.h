@@ -2,6 +2,7 @@
 
 #include "sync/Run.h"
 #include "sync/ServerRow.h"
+#include "sync/SqlTemplate.h"
 
 #include <cstddef>
 #include <functional>
@@ -24,26 +25,23 @@ struct Upsert {
     using Statement = std::function<std::string(const ServerRow&)>;
     using OptionalStatement = std::function<std::optional<std::string>(const ServerRow&)>;
 
-    std::string_view title;    ///< names the receiver in the download log
-    std::string ServerSql;     ///< the server query
-    std::string_view StoreSql; ///< the look-up query: the key column of the whole store table
+    std::string_view title{};    ///< names the receiver in the download log
+    std::string ServerSql{};     ///< the server query
+    std::string_view StoreSql{}; ///< the look-up query: the key column of the whole store table
     RowTotalRule rowTotal = RowTotalRule::Add;
 
-    /// The look-up's criteria up to the key, opening quote included. Receivers differ in a leading
-    /// blank.
-    std::string_view keyPrefix;
-    /// The key as text; field 0 when empty.
-    Statement key;
+    /// The look-up's criteria. Receivers differ in a leading blank.
+    SqlTemplate criteria{};
 
     /// For a key that is not in the store; without a value the row is passed over.
-    OptionalStatement insert;
+    OptionalStatement insert{};
     /// For a store table without rows, where it differs from insert.
-    OptionalStatement firstFill;
+    OptionalStatement firstFill{};
     /// For a key that is in the store.
-    Statement update;
+    Statement update{};
 
     /// Work between the arrival of rows and the look-up.
-    std::function<void()> beforeLookup;
+    std::function<void()> beforeLookup{};
 
     /// One receiver's handled-row counter deliberately never moves.
     bool countsRows = true;

@@ -4,24 +4,35 @@
 
 namespace quillet::sync {
 
+namespace {
+
+constexpr const char* CommandObjectName = "quorin.demon";
+
+} // namespace
+
 Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, db::Clock clock)
     : store_(store), settings_(settings), downloadLog_(std::move(downloadLog)),
       clock_(std::move(clock)) {}
 
-void Run::clearStatements() {
-    statements.assign(1, std::string());
-    DelList.assign(1, std::string());
+rds::RemoteObject Run::createObject(const std::string& progId) {
+    if (!DataSpace)
+        DataSpace.emplace();
+    return DataSpace->CreateObject(progId, "http://" + headOffice.serverAddress);
 }
 
 db::Recordset Run::queryServer(std::string ServerSql) {
-    if (!DataSpace)
-        DataSpace.emplace();
-    rds::RemoteObject RemoteObj =
-        DataSpace->CreateObject(headOffice.remoteObjectName, "http://" + headOffice.serverAddress);
+    rds::RemoteObject RemoteObj = createObject(headOffice.remoteObjectName);
     rds::Variant unread;
     // By reference like the query, but a copy: what one call returns must not steer the next.
     std::string connectionString = headOffice.connectionString;
     return RemoteObj.Getsql(ServerSql, 0, 1, unread, connectionString);
+}
+
+bool Run::executeOnServer(db::StatementArray serverStatements) {
+    rds::RemoteObject CommandObj = createObject(CommandObjectName);
+    std::string errorText;
+    std::string connectionString = headOffice.connectionString;
+    return CommandObj.PUTSQL(serverStatements, errorText, connectionString);
 }
 
 void Run::WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,

@@ -55,8 +55,8 @@ public:
     std::string priceOptionMode;
     std::int16_t setMenuSkipFlag = 0; ///< set menus are received when 0
 
-    /// Empties both statement arrays.
-    void clearStatements();
+    /// Empties the statement array to its placeholder.
+    void clearStatements() { statements.assign(1, std::string()); }
 
     void append(std::string statement) { statements.push_back(std::move(statement)); }
 
@@ -72,15 +72,27 @@ public:
     /// @throws db::Error with the server's number and description, or 429 or 462.
     db::Recordset queryServer(std::string ServerSql);
 
+    /// Runs statements, from element 1 on, on the server database through the server command
+    /// object.
+    /// @return whether they were executed.
+    /// @throws db::Error as queryServer().
+    bool executeOnServer(db::StatementArray serverStatements);
+
+    /// The store code as the settings have it. Deliberately "" when they have none, where start-up
+    /// puts "1000" into headOffice.
+    std::string storeCodeSetting() const { return headOfficeSetting(settings_, "가맹점"); }
+
     /// Writes to the download log, where its folder exists.
     void WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,
                           const std::string& errDescription) const noexcept;
 
     db::VelkDBPro& store() noexcept { return store_; }
-    const Settings& settings() const noexcept { return settings_; }
+    Settings& settings() noexcept { return settings_; }
     db::DateTime now() const { return clock_(); }
 
 private:
+    rds::RemoteObject createObject(const std::string& progId);
+
     db::VelkDBPro& store_;
     Settings& settings_;
     db::DownloadLog downloadLog_;

@@ -18,4 +18,13 @@ public:
                              const std::string& key, const std::string& value) = 0;
 };
 
+inline constexpr const char* HeadOfficeApplication = "HALDREN";
+inline constexpr const char* StoreApplication = "외식업";
+
+/// What says where the head office is and who this counter is: HALDREN, Settings; empty when
+/// absent.
+inline std::string headOfficeSetting(const Settings& settings, const std::string& key) {
+    return settings.GetSetting(HeadOfficeApplication, "Settings", key);
+}
+
 } // namespace quillet::sync

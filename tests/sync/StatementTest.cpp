@@ -1,6 +1,6 @@
 #include "db/Error.h"
 #include "sync/LeadingNumber.h"
-#include "sync/StatementTemplate.h"
+#include "sync/SqlTemplate.h"
 
 #include <gtest/gtest.h>
 
@@ -36,25 +36,26 @@ TEST(LeadingNumberTest, TakesTheNumberATextStartsWith) {
         EXPECT_EQ(numberText(leadingNumber(text)), number) << '"' << text << '"';
 }
 
-TEST(StatementTemplateTest, PutsFieldsWhereTheyBelong) {
+TEST(SqlTemplateTest, PutsFieldsWhereTheyBelong) {
     db::Recordset rows(db::FieldList(3));
     db::Value* cells = rows.addRow();
     cells[0] = db::Value::text("0101");
     cells[1] = db::Value::text("김치's {2}"); // neither escaped nor expanded
     const ServerRow row(rows);
 
-    const StatementTemplate statement(" SET A = '{1}', B = {#0},{flag} C = '{2}' ", {"x", "flag"});
+    const SqlTemplate statement(" SET A = '{1}', B = {#0},{flag} C = '{2}' ", {"x", "flag"});
     EXPECT_EQ(statement.render(row, std::array<std::string_view, 2>{"unused", "F"}),
               " SET A = '김치's {2}', B = 101,F C = '' ");
 
-    const StatementTemplate number("{#2}");
+    EXPECT_EQ(SqlTemplate("{#2?}|{#0?}|{trim 2}").render(row), "0|101|");
+    const SqlTemplate number("{#2}");
     try {
         (void)number.render(row);
         FAIL() << "a Null is no number";
     } catch (const db::Error& error) {
         EXPECT_EQ(error.Number(), 94);
     }
-    EXPECT_THROW(StatementTemplate("{unknown}"), std::logic_error);
+    EXPECT_THROW(SqlTemplate("{unknown}"), std::logic_error);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
-#include "sync/StatementTemplate.h"
+#include "sync/SqlTemplate.h"
 
+#include "db/AsciiText.h"
 #include "sync/LeadingNumber.h"
 
 #include <algorithm>
@@ -21,22 +22,25 @@ std::size_t fieldIndex(std::string_view digits) {
 
 } // namespace
 
-StatementTemplate::Piece StatementTemplate::place(std::string_view name,
-                                                  std::initializer_list<std::string_view> names) {
+SqlTemplate::Piece SqlTemplate::place(std::string_view name,
+                                      std::initializer_list<std::string_view> names) {
+    if (name.starts_with('#') && name.ends_with('?'))
+        return {Kind::NumberOrZero, {}, fieldIndex(name.substr(1, name.size() - 2))};
     if (name.starts_with('#'))
         return {Kind::Number, {}, fieldIndex(name.substr(1))};
+    if (constexpr std::string_view trim = "trim "; name.starts_with(trim))
+        return {Kind::Trimmed, {}, fieldIndex(name.substr(trim.size()))};
     const auto* const computed = std::find(names.begin(), names.end(), name);
     if (computed != names.end())
         return {Kind::Computed, {}, static_cast<std::size_t>(computed - names.begin())};
     return {Kind::Text, {}, fieldIndex(name)};
 }
 
-StatementTemplate::StatementTemplate(std::string_view pattern,
-                                     std::initializer_list<std::string_view> names) {
+SqlTemplate::SqlTemplate(std::string_view pattern, std::initializer_list<std::string_view> names) {
     while (!pattern.empty()) {
         const std::size_t open = std::min(pattern.find('{'), pattern.size());
         if (open > 0)
-            pieces_.push_back({Kind::Literal, pattern.substr(0, open)});
+            pieces_.push_back({Kind::Literal, std::string(pattern.substr(0, open))});
         literalSize_ += open;
         pattern.remove_prefix(open);
         if (pattern.empty())
@@ -49,8 +53,8 @@ StatementTemplate::StatementTemplate(std::string_view pattern,
     }
 }
 
-std::string StatementTemplate::render(const ServerRow& row,
-                                      std::span<const std::string_view> computed) const {
+std::string SqlTemplate::render(const ServerRow& row,
+                                std::span<const std::string_view> computed) const {
     std::string statement;
     statement.reserve(literalSize_ + pieces_.size() * 8);
     for (const Piece& piece : pieces_) {
@@ -61,8 +65,14 @@ std::string StatementTemplate::render(const ServerRow& row,
         case Kind::Text:
             row.appendTextTo(statement, piece.index);
             break;
+        case Kind::Trimmed:
+            statement += db::trimmed(row.text(piece.index));
+            break;
         case Kind::Number:
             statement += numberText(row.number(piece.index));
+            break;
+        case Kind::NumberOrZero:
+            statement += numberText(row.isNull(piece.index) ? 0 : row.number(piece.index));
             break;
         case Kind::Computed:
             statement += computed[piece.index];

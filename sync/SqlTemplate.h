@@ -11,30 +11,36 @@
 
 namespace quillet::sync {
 
-/// A store statement with places for the fields of a server row, so that a receiver's statement
-/// can be read beside the columns that it fills.
+/// A store statement, or a look-up's criteria, with places for the fields of a server row, so that
+/// a receiver's texts can be read beside the columns that they fill.
 ///
 ///     {3}      field 3 as text, exactly as received: no escaping of any kind. A quote in it breaks
 ///              the statement, which then fails and rolls its whole batch back.
-///     {#3}     field 3 by the leading-number rule, as plain decimal text
+///     {trim 3} the same without leading and trailing blanks
+///     {#3}     field 3 by the leading-number rule, as plain decimal text; Null is an error
+///     {#3?}    the same, but Null is 0
 ///     {name}   a text that the receiver computes itself, given by render()'s second argument
 ///
 /// Everything else stands as written, blanks included.
-class StatementTemplate {
+class SqlTemplate {
 public:
-    /// @param pattern must outlive the template.
+    SqlTemplate() = default; ///< renders to nothing
+
     /// @param names of the computed texts, in the order in which render() gets them.
-    explicit StatementTemplate(std::string_view pattern,
-                               std::initializer_list<std::string_view> names = {});
+    explicit SqlTemplate(std::string_view pattern,
+                         std::initializer_list<std::string_view> names = {});
 
     /// @throws db::Error 94 for a Null where a number stands.
     std::string render(const ServerRow& row, std::span<const std::string_view> computed = {}) const;
 
+    /// The same, for a template without computed texts.
+    std::string operator()(const ServerRow& row) const { return render(row); }
+
 private:
-    enum class Kind : unsigned char { Literal, Text, Number, Computed };
+    enum class Kind : unsigned char { Literal, Text, Trimmed, Number, NumberOrZero, Computed };
     struct Piece {
         Kind kind;
-        std::string_view literal;
+        std::string literal;
         std::size_t index = 0; ///< field, or computed text
     };
 
