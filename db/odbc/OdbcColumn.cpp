@@ -72,8 +72,7 @@ void asVariable(OdbcColumn& column, DataType type, const Description& described,
     column.cType = bytes ? SQL_C_BINARY : SQL_C_WCHAR;
     if (!limited || described.size > LongestBound)
         return;
-    // A character may take two units of UTF-16.
-    column.cellSize = bytes ? described.size : (2 * described.size + 1) * sizeof(SQLWCHAR);
+    column.cellSize = bytes ? described.size : odbcWideCellSize(described.size);
 }
 
 void setNumeric(OdbcColumn& column, const Description& described) {
@@ -185,8 +184,7 @@ OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number) 
         statement.get(), number, name.data(), static_cast<SQLSMALLINT>(name.size()), &nameLength,
         &described.sqlType, &described.size, &described.digits, &nullable));
     described.isUnsigned = numericAttribute(statement, number, SQL_DESC_UNSIGNED) == SQL_TRUE;
-    const auto units = static_cast<std::size_t>(std::max<SQLSMALLINT>(nameLength, 0));
-    column.field.Name = utf8OfOdbc(name.data(), std::min(units, name.size() - 1));
+    column.field.Name = utf8OfOdbc(name.data(), name.size(), nameLength);
     column.field.nullable = nullable != SQL_NO_NULLS;
     setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH));
     // A zero date reads as Null even where the column allows none.

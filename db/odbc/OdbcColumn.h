@@ -23,6 +23,14 @@ struct OdbcColumn {
 /// @param number counted from 1.
 OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number);
 
+/// Bytes of a cell for a text: twice as many units as characters, since each may be a surrogate
+/// pair, the terminator, and one more, so that a cell filled to its end is one that was cut.
+/// MariaDB's driver also needs that much room; in less, SQLGetData silently drops the end of a text
+/// whose length it miscounts.
+constexpr std::size_t odbcWideCellSize(std::size_t characters) {
+    return (2 * characters + 2) * sizeof(SQLWCHAR);
+}
+
 /// Bytes of UTF-8 that the text of a cell can take.
 /// @param size bytes of the cell, without a terminator.
 constexpr std::size_t odbcTextRoom(std::size_t size) {

@@ -10,6 +10,7 @@ namespace quillet::db {
 namespace {
 
 constexpr std::size_t FirstPiece = std::size_t{16} * 1024;
+constexpr std::size_t UnitSize = sizeof(SQLWCHAR);
 
 bool isVariable(SQLSMALLINT cType) {
     return cType == SQL_C_WCHAR || cType == SQL_C_CHAR || cType == SQL_C_BINARY;
@@ -17,7 +18,7 @@ bool isVariable(SQLSMALLINT cType) {
 
 std::size_t terminatorOf(SQLSMALLINT cType) {
     if (cType == SQL_C_WCHAR)
-        return sizeof(SQLWCHAR);
+        return UnitSize;
     return cType == SQL_C_CHAR ? 1 : 0;
 }
 
@@ -32,7 +33,7 @@ void executeOdbc(const OdbcHandle& statement, const std::string& text) {
     if (text.find('\0') != std::string::npos)
         throw providerError("42000", "Syntax error: the statement holds a NUL character.");
     OdbcText units(text);
-    const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), units.size());
+    const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
     if (result == SQL_NEED_DATA)
         throw providerError("07002", "The statement has parameters; nothing is bound to them.");
     statement.check(result);
@@ -58,7 +59,8 @@ OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source)
 }
 
 void OdbcCursor::bindBlock(std::size_t rowSize) {
-    std::size_t rows = std::clamp<std::size_t>(BlockBytes / std::max<std::size_t>(rowSize, 1), 1, BlockRows);
+    std::size_t rows =
+        std::clamp<std::size_t>(BlockBytes / std::max<std::size_t>(rowSize, 1), 1, BlockRows);
     SQLHSTMT statement = statement_.get();
     if (!SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE, odbcAttribute(rows), 0)))
         rows = 1;
@@ -103,18 +105,31 @@ bool OdbcCursor::nextOfBlock() {
     return true;
 }
 
-void OdbcCursor::checkRow() const {
+void OdbcCursor::checkRow() {
     if (rowStatus_[row_] == SQL_ROW_ERROR)
         throw statement_.diagnostics();
-    for (std::size_t column = 0; column < columns_.size(); ++column) {
-        const OdbcColumn& description = columns_[column];
-        const SQLLEN length = buffers_[column].indicators[row_];
-        const std::size_t room = description.cellSize - terminatorOf(description.cType);
-        if (!isVariable(description.cType) || length == SQL_NULL_DATA)
-            continue;
-        if (length < 0 || static_cast<std::size_t>(length) > room)
-            truncated(fields_[column]);
-    }
+    for (std::size_t column = 0; column < columns_.size(); ++column)
+        if (isVariable(columns_[column].cType) &&
+            buffers_[column].indicators[row_] != SQL_NULL_DATA)
+            checkCell(column);
+}
+
+/// Puts the length right that the driver gives for a bound text or bytes.
+void OdbcCursor::checkCell(std::size_t column) {
+    const OdbcColumn& description = columns_[column];
+    SQLLEN& length = buffers_[column].indicators[row_];
+    const std::size_t room = description.cellSize - terminatorOf(description.cType);
+    if (length < 0 || static_cast<std::size_t>(length) > room)
+        truncated(fields_[column]);
+    if (description.cType != SQL_C_WCHAR)
+        return;
+    const char* const cell = buffers_[column].cells.data() + row_ * description.cellSize;
+    const std::size_t written =
+        UnitSize * writtenUnits(cell, description.cellSize / UnitSize,
+                                static_cast<std::size_t>(length) / UnitSize);
+    if (written != static_cast<std::size_t>(length) && written >= room)
+        truncated(fields_[column]);
+    length = static_cast<SQLLEN>(written);
 }
 
 bool OdbcCursor::nextByCell() {
@@ -133,6 +148,8 @@ void OdbcCursor::readCell(std::size_t column) {
         buffer.cells.resize(columns_[column].cellSize != 0 ? columns_[column].cellSize
                                                            : FirstPiece);
     buffer.indicators.assign(1, SQL_NULL_DATA);
+    if (columns_[column].cellSize == 0 && columns_[column].cType == SQL_C_WCHAR)
+        reserveLongText(column);
     for (std::size_t have = 0;;) {
         SQLLEN left = 0;
         const SQLRETURN result = statement_.check(SQLGetData(
@@ -153,7 +170,24 @@ void OdbcCursor::readCell(std::size_t column) {
             left == SQL_NO_TOTAL ? have : static_cast<std::size_t>(left) - piece;
         buffer.cells.resize(have + more + terminator);
     }
+    if (columns_[column].cType == SQL_C_WCHAR && buffer.indicators[0] != SQL_NULL_DATA)
+        buffer.indicators[0] = static_cast<SQLLEN>(
+            UnitSize * writtenUnits(buffer.cells.data(), buffer.cells.size() / UnitSize,
+                                    static_cast<std::size_t>(buffer.indicators[0]) / UnitSize));
     buffer.room.resize(std::max(buffer.room.size(), odbcTextRoom(buffer.cells.size())));
+}
+
+/// Makes room for a text without a bound, so that it comes in one piece where the driver knows its
+/// length beforehand.
+void OdbcCursor::reserveLongText(std::size_t column) {
+    Buffer& buffer = buffers_[column];
+    SQLLEN length = 0;
+    statement_.check(SQLGetData(statement_.get(), static_cast<SQLUSMALLINT>(column + 1),
+                                SQL_C_WCHAR, buffer.cells.data(), 0, &length));
+    if (length < 0)
+        return; // Null, or SQL_NO_TOTAL: read piece by piece
+    const std::size_t needed = odbcWideCellSize(static_cast<std::size_t>(length) / UnitSize);
+    buffer.cells.resize(std::max(buffer.cells.size(), needed));
 }
 
 Value OdbcCursor::value(std::size_t column) const {

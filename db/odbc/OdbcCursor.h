@@ -43,9 +43,11 @@ private:
     void bindBlock(std::size_t rowSize);
     void bindColumn(std::size_t column, std::size_t rows);
     bool nextOfBlock();
-    void checkRow() const;
+    void checkRow();
+    void checkCell(std::size_t column);
     bool nextByCell();
     void readCell(std::size_t column);
+    void reserveLongText(std::size_t column);
 
     OdbcHandle statement_;
     std::vector<OdbcColumn> columns_;

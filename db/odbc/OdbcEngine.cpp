@@ -51,9 +51,7 @@ bool OdbcEngine::knowsDriver(std::string_view name) try {
     while (SQL_SUCCEEDED(SQLDriversW(environment.get(), direction, description.data(),
                                      static_cast<SQLSMALLINT>(description.size()), &length, nullptr,
                                      0, nullptr))) {
-        const auto units = static_cast<std::size_t>(length);
-        if (units < description.size() &&
-            equalIgnoringCase(utf8OfOdbc(description.data(), units), name))
+        if (equalIgnoringCase(utf8OfOdbc(description.data(), description.size(), length), name))
             return true;
         direction = SQL_FETCH_NEXT;
     }

@@ -30,8 +30,8 @@ std::vector<ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
             continue;
         }
         ErrorRecord record;
-        record.SqlState = utf8OfOdbc(state, SQL_SQLSTATE_SIZE);
-        record.Description = utf8OfOdbc(message.data(), std::min(units, message.size() - 1));
+        record.SqlState = utf8OfOdbc(state, std::size(state), SQL_SQLSTATE_SIZE);
+        record.Description = utf8OfOdbc(message.data(), message.size(), length);
         record.Number = numberOfSqlState(record.SqlState);
         records.push_back(std::move(record));
         ++number;
@@ -68,10 +68,19 @@ OdbcEnvironment::OdbcEnvironment() : handle_(SQL_HANDLE_ENV, SQL_HANDLE_ENV, SQL
         SQLSetEnvAttr(handle_.get(), SQL_ATTR_ODBC_VERSION, odbcAttribute(SQL_OV_ODBC3), 0));
 }
 
-OdbcText::OdbcText(std::string_view utf8) : units_(toUtf16(utf8)) {}
+OdbcText::OdbcText(std::string_view utf8) : units_(toUtf16(utf8) + u'\0') {}
 
-std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t count) {
-    return toUtf8({reinterpret_cast<const char16_t*>(units), count});
+std::size_t writtenUnits(const char* units, std::size_t room, std::size_t reported) noexcept {
+    std::size_t written = reported;
+    while (written < room && (units[2 * written] != 0 || units[2 * written + 1] != 0))
+        ++written;
+    return written;
+}
+
+std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t room, SQLSMALLINT reported) {
+    const std::size_t written = writtenUnits(reinterpret_cast<const char*>(units), room,
+                                             std::max<SQLSMALLINT>(reported, 0));
+    return toUtf8({reinterpret_cast<const char16_t*>(units), std::min(written, room - 1)});
 }
 
 } // namespace quillet::db

@@ -48,7 +48,9 @@ private:
     OdbcHandle handle_;
 };
 
-/// A text for the ODBC calls that take UTF-16.
+/// A text for the ODBC calls that take UTF-16. Their length is to be given as SQL_NTS: MariaDB's
+/// driver takes a length as characters, miscounts them as writtenUnits() says, and reads on behind
+/// the text.
 class OdbcText {
 public:
     explicit OdbcText(std::string_view utf8);
@@ -56,10 +58,8 @@ public:
     /// The calls take texts they only read as pointers to non-const.
     SQLWCHAR* data() noexcept { return reinterpret_cast<SQLWCHAR*>(units_.data()); }
 
-    SQLINTEGER size() const noexcept { return static_cast<SQLINTEGER>(units_.size()); }
-
 private:
-    std::u16string units_;
+    std::u16string units_; ///< ends in one terminator more: the same driver may step over the first
 };
 
 /// A number where ODBC's attribute calls take a pointer.
@@ -67,7 +67,16 @@ inline SQLPOINTER odbcAttribute(std::uintptr_t value) {
     return reinterpret_cast<SQLPOINTER>(value); // NOLINT(performance-no-int-to-ptr)
 }
 
-/// UTF-16 that an ODBC call has delivered, as UTF-8.
-std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t count);
+/// Units of a text that an ODBC call has written, terminator excluded.
+///
+/// The terminator has the last word, since a driver may report less than it wrote: MariaDB's counts
+/// a unit whose low byte is D8 to DB (a surrogate's, byte-swapped; the syllable '동' has it) and
+/// the next one as one. Observed with version 3.1.15.
+/// @param units without alignment, `room` of them.
+/// @param reported by the driver; comes back where it is plausible, or more than fits.
+std::size_t writtenUnits(const char* units, std::size_t room, std::size_t reported) noexcept;
+
+/// A text that an ODBC call has written into `room` units, as UTF-8, as far as it fitted.
+std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t room, SQLSMALLINT reported);
 
 } // namespace quillet::db

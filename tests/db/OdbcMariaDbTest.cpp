@@ -113,6 +113,39 @@ TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
     }
 }
 
+TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
+    // '동' is U+B3D9; U+D9 in a unit's low byte makes the driver report too little.
+    const auto times = [](const char* text, int count) {
+        std::string result;
+        for (int i = 0; i < count; ++i)
+            result += text;
+        return result;
+    };
+    create("N INT, C VARCHAR(20), L TEXT");
+    const std::vector<std::string> texts{"(느티동)", times("동", 20), times("동😀", 10), "동", ""};
+    for (const std::string& text : texts)
+        connection_.Execute("INSERT INTO engine_test VALUES (1,'" + text + "','" + text + "')");
+    const std::string longText = times("동네 ", 5000) + ".";
+    connection_.Execute("INSERT INTO engine_test VALUES (2,'끝','" + longText + "')");
+
+    for (const std::string columns : {"C", "C,L"}) { // in blocks, and cell by cell
+        Recordset rows;
+        rows.Open("SELECT " + columns + " FROM engine_test WHERE N = 1", connection_);
+        for (const std::string& text : texts) {
+            for (std::size_t column = 0; column < rows.Fields().size(); ++column)
+                EXPECT_EQ(rows.Item(column).toText(), text) << columns;
+            rows.MoveNext();
+        }
+    }
+    EXPECT_EQ(cells(connection_, "SELECT L FROM engine_test WHERE N = 2"), longText + "|");
+    try {
+        connection_.Execute("SELECT 1 FROM `행동 (하동)`");
+        ADD_FAILURE() << "no such table";
+    } catch (const Error& error) {
+        EXPECT_THAT(error.Description(), testing::HasSubstr("행동 (하동)' doesn't exist"));
+    }
+}
+
 TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
     create("D DECIMAL(12,3), T DATETIME(3), V VARCHAR(20) NOT NULL, L MEDIUMTEXT");
     connection_.Execute(
