@@ -1,9 +1,8 @@
 // Whole receives as a person sees them: MariaDB, HTTP, window, store file.
 
 #include "db/Paths.h"
-#include "tests/support/Counter.h"
+#include "tests/app/ReceiveFixture.h"
 #include "tests/support/TamperingProxy.h"
-#include "tests/support/TestHeadOffice.h"
 
 #include <QGuiApplication>
 #include <gmock/gmock.h>
@@ -17,41 +16,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::StartsWith;
-using tests::Counter;
-using tests::TestHeadOffice;
 
 constexpr const char* StampPattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}";
 
-class ReceiveTest : public testing::Test {
+class ReceiveTest : public tests::ReceiveFixture {
 protected:
-    void SetUp() override {
-        if (!TestHeadOffice::isAvailable())
-            GTEST_SKIP() << "no head office database (scripts/test starts one)";
-        headOffice_ = std::make_unique<TestHeadOffice>();
-        counter_.use(*headOffice_);
-    }
-
-    /// A category of the head office; kind and shown flag as SQL literals.
-    void category(const std::string& id, const std::string& name, const std::string& shown,
-                  const std::string& kind, int level = 1) {
-        headOffice_->sql("INSERT INTO KIND (KD_ID,KD_NAME,KD_ORDER,KD_CKSD,KD_CKGU,KD_LVL) VALUES "
-                         "('" +
-                         id + "','" + name + "',9," + shown + "," + kind + "," +
-                         std::to_string(level) + ")");
-    }
-
     std::vector<std::string> kinds() const {
         return counter_.rows("SELECT KIND_CODE,KIND_NAME,KIND_ORDER,KIND_VISIBLE FROM KIND "
                              "ORDER BY KIND_CODE");
     }
-
-    /// A store that has been received before.
-    void receivedBefore() {
-        counter_.store("INSERT INTO UPD VALUES ('2026-01-01 00:00:00','','','','')");
-    }
-
-    std::unique_ptr<TestHeadOffice> headOffice_;
-    Counter counter_;
 };
 
 TEST_F(ReceiveTest, FirstReceiveFillsTheStoreAndClosesTheWindow) {
@@ -172,8 +145,7 @@ TEST_F(ReceiveTest, ServerFailuresAreTheGroupsAndWriteNothing) {
     category("101000000000000", "밥류", "'Y'", "'A402'");
     receivedBefore();
     const auto fails = [&](const std::string& why) {
-        std::filesystem::remove_all(counter_.folder / "log");
-        std::filesystem::create_directory(counter_.folder / "log");
+        clearDownloadLog();
         counter_.start();
         EXPECT_TRUE(counter_.isWindowOpen()) << why;
         EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다") << why;
@@ -215,8 +187,7 @@ TEST_F(ReceiveTest, NothingOfABrokenReplyIsUsed) {
     const auto downloadLogAfter = [&](const tests::TamperingProxy::Tamper& tamper) {
         const tests::TamperingProxy proxy(headOffice_->address(), tamper);
         counter_.settings.SaveSetting("HALDREN", "Settings", "1차서버", proxy.address());
-        std::filesystem::remove_all(counter_.folder / "log");
-        std::filesystem::create_directory(counter_.folder / "log");
+        clearDownloadLog();
         counter_.start();
         EXPECT_TRUE(counter_.isWindowOpen());
         EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다");
@@ -224,6 +195,7 @@ TEST_F(ReceiveTest, NothingOfABrokenReplyIsUsed) {
         EXPECT_THAT(counter_.rows("SELECT * FROM UPD"), IsEmpty());
         return counter_.downloadLog();
     };
+    counter_.settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1.0.0");
     // Replies: 1 the time, 2 the price option, 3 the categories.
     const auto third = [](auto change) {
         return [change](int number, std::string reply) {
@@ -256,8 +228,7 @@ TEST_F(ReceiveTest, AStoreThatCannotBeUsedSaysWhy) {
         EXPECT_TRUE(counter_.isWindowOpen());
         EXPECT_EQ(counter_.text("lbl_MSG"), "분류자료 수신 실패했습니다");
         const std::string log = counter_.downloadLog();
-        std::filesystem::remove_all(counter_.folder / "log");
-        std::filesystem::create_directory(counter_.folder / "log");
+        clearDownloadLog();
         return log;
     };
     std::filesystem::remove(counter_.folder / "food.MDB");
