@@ -160,12 +160,23 @@ RunDriver::Result RunDriver::execute() {
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
     sync::SweepReceivedRows(run_);
-    // What follows is outside the run's transaction: the base data is there, whatever comes of it.
-    if (receivers::ReceiveStoreSettings(run_))
-        run_.store().PUT_DATA_DEL(run_.statements);
-    else
-        fail("매장별설정자료 수신 실패했습니다");
+    receiveStoreSettings();
     return Result::Received;
+}
+
+/// Outside the run's transaction: the base data is in the store, whatever comes of this.
+void RunDriver::receiveStoreSettings() {
+    if (!receivers::ReceiveStoreSettings(run_)) {
+        fail("매장별설정자료 수신 실패했습니다");
+        return;
+    }
+    run_.store().PUT_DATA_DEL(run_.statements);
+    if (run_.store().Status() == 1)
+        return;
+    // The window closes and the stamp has moved on: nobody would ever know.
+    const std::string& failure = run_.store().errorText();
+    run_.WriteDownloadLog(receivers::StoreSettingsTitle, "",
+                          static_cast<long>(sync::leadingNumber(failure)), failure);
 }
 
 } // namespace quillet::app

@@ -25,6 +25,7 @@ public:
 private:
     bool collect();
     Result execute();
+    void receiveStoreSettings();
     bool fail(const char* text);
 
     sync::Run& run_;

@@ -33,12 +33,14 @@ std::string firstTen(const std::string& text) {
 
 /// A date's day as "YYYY-MM-DD"; what is no date (a blank, the zero date) comes back as it is.
 std::string dayText(const std::string& text) {
-    const std::string day = firstTen(text);
+    std::string day = firstTen(text);
     int year = 0;
     unsigned month = 0;
     unsigned dayOfMonth = 0;
     std::sscanf(day.c_str(), "%4d%*1[-/.]%2u%*1[-/.]%2u", &year, &month, &dayOfMonth);
-    if (!(std::chrono::year(year) / month / dayOfMonth).ok())
+    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
+                                           std::chrono::day(dayOfMonth)};
+    if (!date.ok())
         return day;
     return db::Value::date({.year = static_cast<std::int16_t>(year),
                             .month = static_cast<std::uint8_t>(month),

@@ -78,8 +78,9 @@ std::size_t writtenUnits(const char* units, std::size_t room, std::size_t report
 }
 
 std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t room, SQLSMALLINT reported) {
-    const std::size_t written = writtenUnits(reinterpret_cast<const char*>(units), room,
-                                             std::max<SQLSMALLINT>(reported, 0));
+    const std::size_t written =
+        writtenUnits(reinterpret_cast<const char*>(units), room,
+                     static_cast<std::size_t>(std::max<SQLSMALLINT>(reported, 0)));
     return toUtf8({reinterpret_cast<const char16_t*>(units), std::min(written, room - 1)});
 }
 

@@ -6,8 +6,6 @@ namespace quillet {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::StartsWith;
 
 class GroupsTest : public tests::ReceiveFixture {
@@ -98,11 +96,11 @@ TEST_F(GroupsTest, AFirstReceiveBringsEverythingAndALaterOneWhatChanged) {
     EXPECT_EQ(counter_.text("Label3(1)"), "22") << "but is counted; the last statement is not";
     EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
 
+    sql("INSERT INTO PR (PR_CODE,PR_NAME,KD_ID,PR_DATE,PR_OP1) VALUES "
+        "('A3','김밥','101000000000000','2036-01-01',3000)");
     for (const char* change :
          {"UPDATE KIND SET KD_NAME = '밥'",
           "UPDATE PR SET PR_END = '2', PR_DATE = '2036-01-01' WHERE PR_CODE = 'A1'",
-          "INSERT INTO PR (PR_CODE,PR_NAME,KD_ID,PR_DATE,PR_OP1) VALUES "
-          "('A3','김밥','101000000000000','2036-01-01',3000)",
           "UPDATE PR SET PR_OP1 = 1 WHERE PR_CODE = 'A2'", // no date: does not come
           "DELETE FROM PRR", "UPDATE PROP SET PROP_NAME = '안 맵게'",
           "INSERT INTO PRC VALUES ('A2','C3','국',1,0,1)",
@@ -193,6 +191,7 @@ TEST_F(GroupsTest, EachGroupAloneBringsOnlyItselfButSweepsAll) {
 TEST_F(GroupsTest, AFailingStatementInAnyGroupWritesNothing) {
     counter_.start();
     const std::vector<std::string> before = everything();
+    // A table, and the column that gets a name with a quote in it.
     const std::vector<std::pair<std::string, std::string>> names{
         {"KIND", "KD_NAME"},   {"PR", "PR_NAME"}, {"PROP", "PROP_NAME"}, {"PRC", "PRC_NAME"},
         {"PRS", "PRS_NAME"},   {"CT", "CT_NAME"}, {"ST", "ST_NAME"},     {"BAS", "BAS_NAME1"},
@@ -204,6 +203,9 @@ TEST_F(GroupsTest, AFailingStatementInAnyGroupWritesNothing) {
         sql("CREATE TABLE KEPT AS SELECT * FROM " + table);
         sql("UPDATE " + table + " SET " + column + " = 'Kim''s'");
         counter_.start();
+        sql("DELETE FROM " + table);
+        sql("INSERT INTO " + table + " SELECT * FROM KEPT");
+        sql("DROP TABLE KEPT");
         EXPECT_TRUE(counter_.isWindowOpen());
         EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다");
         EXPECT_EQ(everything(), before);
@@ -211,15 +213,20 @@ TEST_F(GroupsTest, AFailingStatementInAnyGroupWritesNothing) {
         EXPECT_THAT(counter_.dailyLog(), testing::ContainsRegex("수신에러\r\n[^\r]*Kim's"));
         EXPECT_EQ(counter_.downloadLog(), "no file");
         std::filesystem::remove_all(counter_.folder / "ZELMARO_LOG");
-        sql("DELETE FROM " + table);
-        sql("INSERT INTO " + table + " SELECT * FROM KEPT");
-        sql("DROP TABLE KEPT");
     }
+
+    // The store's own settings are written after the run, on their own.
+    sql("UPDATE RCTBAS SET BAS_NAME2 = 'Kim''s' WHERE BAS_CODE = 'Z2'");
+    counter_.start();
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(counter_.rows("SELECT BS_M1 FROM BAS"), ElementsAre("10 ", "42 "));
+    EXPECT_EQ(counter_.dailyLog(), "no folder");
+    EXPECT_THAT(counter_.downloadLog(), testing::ContainsRegex("^가맹점별설정 자료수신\r\n\r\n-"));
 }
 
 TEST_F(GroupsTest, AFailingReceiverSaysWhichGroup) {
     struct Case {
-        const char* missing; ///< table, or table and column
+        const char* missing; ///< at the head office
         const char* status;
         const char* title;
     };
@@ -235,29 +242,26 @@ TEST_F(GroupsTest, AFailingReceiverSaysWhichGroup) {
         {"CTMEM", "회원자료 수신 실패했습니다", "회원 자료수신"},
         {"CTCOM", "거래처자료 수신 실패했습니다", "회원 자료수신"},
         {"ST", "사용자자료 수신 실패했습니다", "사용자 자료수신"},
-        {"BAS BAS_DATE", "설정자료 수신 실패했습니다", "설정 자료수신"},
+        {"BAS_DATE", "설정자료 수신 실패했습니다", "설정 자료수신"},
         {"FN", "계정과목 수신 실패했습니다", "계정과목 자료수신"},
         {"RCTI", "사업장정보 수신 실패했습니다", "사업장정보 자료수신"},
         {"RCTBAS", "매장별설정자료 수신 실패했습니다", "가맹점별설정 자료수신"},
     };
     for (const auto& [missing, status, title] : cases) {
         SCOPED_TRACE(missing);
-        const std::string name = missing;
-        const std::size_t blank = name.find(' ');
-        const std::string table = name.substr(0, blank);
-        const std::string column = blank == std::string::npos ? "" : name.substr(blank + 1);
+        const bool isColumn = std::string_view(missing) == "BAS_DATE";
         const auto rename = [&](const std::string& from, const std::string& to) {
-            sql(column.empty()
-                    ? "RENAME TABLE " + from + " TO " + to
-                    : "ALTER TABLE " + table + " CHANGE " + from + " " + to + " DATETIME");
+            const std::string change = from + (isColumn ? " " : " TO ") + to;
+            sql(isColumn ? "ALTER TABLE BAS CHANGE " + change + " DATETIME"
+                         : "RENAME TABLE " + change);
         };
         clearDownloadLog();
-        rename(column.empty() ? table : column, "ELSEWHERE");
+        rename(missing, "ELSEWHERE");
         counter_.start();
-        rename("ELSEWHERE", column.empty() ? table : column);
+        rename("ELSEWHERE", missing);
         EXPECT_EQ(counter_.text("lbl_MSG"), status);
         EXPECT_THAT(counter_.downloadLog(), StartsWith(std::string(title) + "\r\n"));
-        const bool isAfterTheRun = table == "RCTBAS";
+        const bool isAfterTheRun = std::string_view(missing) == "RCTBAS";
         EXPECT_EQ(counter_.isWindowOpen(), !isAfterTheRun);
         EXPECT_EQ(counter_.rows("SELECT * FROM UPD").size(), isAfterTheRun ? 1U : 0U);
     }
