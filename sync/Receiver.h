@@ -12,7 +12,8 @@
 
 namespace quillet::sync {
 
-/// What a receiver does with the run's RowTotal when rows came.
+/// What a receiver does with the run's RowTotal when rows came. Receivers deliberately differ; the
+/// driver replaces the total by the statements' before anyone sees it.
 enum class RowTotalRule { Set, Add };
 
 /// A receiver that turns each server row into one INSERT or UPDATE, by looking its key up in a
