@@ -94,7 +94,12 @@ TEST_F(GroupsTest, AFirstReceiveBringsEverythingAndALaterOneWhatChanged) {
         << "stamps 1, menu 9, people 2 and 1, settings 1, titles 1; the business information is "
            "not in the total";
     EXPECT_EQ(counter_.text("Label3(1)"), "22") << "but is counted; the last statement is not";
+    EXPECT_EQ(counter_.text("Label2(5)"), "사업자 정보 수신 중");
     EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
+    const auto stamps = counter_.rows("SELECT UPD_PR FROM UPD WHERE UPD_PR = UPD_CT AND UPD_PR = "
+                                      "UPD_USR AND UPD_PR = UPD_BAS AND UPD_PR = UPD_FN");
+    ASSERT_EQ(stamps.size(), 1U);
+    EXPECT_THAT(stamps[0], testing::ContainsRegex("^[0-9-]{10} [0-9:]{8}$"));
 
     sql("INSERT INTO PR (PR_CODE,PR_NAME,KD_ID,PR_DATE,PR_OP1) VALUES "
         "('A3','김밥','101000000000000','2036-01-01',3000)");

@@ -16,8 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr const char* StampPattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}";
-
 class ReceiveTest : public tests::ReceiveFixture {
 protected:
     std::vector<std::string> kinds() const {
@@ -25,59 +23,6 @@ protected:
                              "ORDER BY KIND_CODE");
     }
 };
-
-TEST_F(ReceiveTest, FirstReceiveFillsTheStoreAndClosesTheWindow) {
-    category("101000000000000", "밥류", "'Y'", "'A402'");
-    category("102000000000000", "면류", "'Y'", "NULL");    // no kind counts as either
-    category("103000000000000", "숨김", "'N'", "'A402'");  // hidden and new: not created
-    category("104000000000000", "미정", "NULL", "'A402'"); // no flag: hidden in this half
-    category("201000000000000", "음료", "NULL", "'A420'"); // no flag: shown in this half
-    category("202000000000000", "소분류", "'Y'", "'A420'", 2);
-    category("999000000000000", "기타", "'Y'", "'A420'");
-    counter_.store("INSERT INTO KIND VALUES ('0777','옛 분류',5,0);"
-                   "INSERT INTO PR (PR_CODE) VALUES ('P1');"
-                   "INSERT INTO PROP VALUES ('O1','곱빼기')");
-
-    counter_.start();
-
-    EXPECT_FALSE(counter_.isWindowOpen());
-    EXPECT_THAT(kinds(),
-                ElementsAre("0101|밥류|1|0", "0102|면류|2|0", "0102|면류|3|0", "0201|음료|4|0"))
-        << "the old menu is gone, new categories are numbered as they came";
-    EXPECT_THAT(counter_.rows("SELECT * FROM PR"), IsEmpty());
-    EXPECT_THAT(counter_.rows("SELECT * FROM PROP"), ElementsAre("O1|곱빼기"));
-    const auto stamps = counter_.rows("SELECT UPD_PR FROM UPD WHERE UPD_PR = UPD_CT AND "
-                                      "UPD_PR = UPD_USR AND UPD_PR = UPD_BAS AND UPD_PR = UPD_FN");
-    ASSERT_EQ(stamps.size(), 1U);
-    EXPECT_THAT(stamps[0], testing::ContainsRegex(StampPattern));
-    EXPECT_EQ(counter_.downloadLog(), "no file");
-    EXPECT_EQ(counter_.dailyLog(), "no folder");
-    EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 완료했습니다");
-    EXPECT_EQ(counter_.text("Label3(0)"), "5") << "four categories and the stamps";
-    EXPECT_EQ(counter_.text("Label2(5)"), "품목 정보 수신 중");
-    EXPECT_EQ(counter_.text("Label3(1)"), "4") << "the last statement moves nothing";
-}
-
-TEST_F(ReceiveTest, LaterReceiveUpdatesAndAppendsButDeletesNothing) {
-    category("101000000000000", "밥과 죽", "'Y'", "'A402'");
-    category("102000000000000", "안보임", "'N'", "'A402'");
-    category("103000000000000", "찌개", "'Y'", "'A402'");
-    category("10a000000000000", "소문자", "'Y'", "'A402'");
-    receivedBefore();
-    counter_.store("INSERT INTO KIND VALUES ('0101','밥류',7,1),('0102','보임',3,0),"
-                   "('0777','옛 분류',12,0),('010A','대문자',1,0);"
-                   "INSERT INTO PR (PR_CODE) VALUES ('P1')");
-
-    counter_.start();
-
-    EXPECT_FALSE(counter_.isWindowOpen());
-    EXPECT_THAT(kinds(), ElementsAre("0101|밥과 죽|7|1", "0102|안보임|3|0", "0103|찌개|13|0",
-                                     "010A|소문자|1|0", "0777|옛 분류|12|0"));
-    EXPECT_THAT(counter_.rows("SELECT PR_CODE FROM PR"), ElementsAre("P1"));
-    EXPECT_THAT(counter_.rows("SELECT COUNT(*) FROM UPD WHERE UPD_PR > '2026-01-01 00:00:00' AND "
-                              "UPD_PR = UPD_FN"),
-                ElementsAre("1"));
-}
 
 TEST_F(ReceiveTest, AQuoteInATextRollsTheWholeRunBack) {
     category("101000000000000", "밥류", "'Y'", "'A402'");

@@ -6,6 +6,7 @@
 #include "receivers/ReceiveAccountTitles.h"
 #include "receivers/ReceiveAvailability.h"
 #include "receivers/ReceiveBusinessInformation.h"
+#include "receivers/ReceiveCategories.h"
 #include "receivers/ReceiveCourseMenus.h"
 #include "receivers/ReceiveMembers.h"
 #include "receivers/ReceiveOptionMenus.h"
@@ -122,6 +123,7 @@ protected:
             {"AccountTitles", ReceiveAccountTitles},
             {"Availability", ReceiveAvailability},
             {"BusinessInformation", ReceiveBusinessInformation},
+            {"Categories", ReceiveCategories},
             {"CourseMenus", ReceiveCourseMenus},
             {"GlobalSettings", ReceiveGlobalSettings},
             {"Members", ReceiveMembers},
