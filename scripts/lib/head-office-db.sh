@@ -256,9 +256,10 @@ chain_db_start() {
     if [[ ! -e $dir/run/loaded ]]; then
         fresh=yes
         rm -rf -- "$dir/data"
-        # By a relative path, because the installer stumbles over a blank in an absolute one.
+        # By a relative path, because the installer stumbles over a blank in an absolute one. By
+        # force, because it insists on a host name that can be looked up, and never uses it.
         if ! (cd "$dir" && "$install" --no-defaults "${as_root[@]}" --datadir=./data \
-            --auth-root-authentication-method=normal --skip-test-db --skip-name-resolve \
+            --auth-root-authentication-method=normal --skip-test-db --skip-name-resolve --force \
             "${chain_db__storage[@]}" < /dev/null > install.log 2>&1); then
             chain_db__say "cannot set up $dir/data"
             chain_db__show_log "$dir/install.log"
