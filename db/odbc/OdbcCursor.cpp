@@ -148,8 +148,12 @@ void OdbcCursor::readCell(std::size_t column) {
         buffer.cells.resize(columns_[column].cellSize != 0 ? columns_[column].cellSize
                                                            : FirstPiece);
     buffer.indicators.assign(1, SQL_NULL_DATA);
-    if (columns_[column].cellSize == 0 && columns_[column].cType == SQL_C_WCHAR)
-        reserveLongText(column);
+    if (columns_[column].cellSize == 0 && columns_[column].cType == SQL_C_WCHAR &&
+        reserveLongText(column) == 0) {
+        // A driver may take the question for the reading; of nothing there is no more.
+        buffer.indicators[0] = 0;
+        return;
+    }
     for (std::size_t have = 0;;) {
         SQLLEN left = 0;
         const SQLRETURN result = statement_.check(SQLGetData(
@@ -179,15 +183,16 @@ void OdbcCursor::readCell(std::size_t column) {
 
 /// Makes room for a text without a bound, so that it comes in one piece where the driver knows its
 /// length beforehand.
-void OdbcCursor::reserveLongText(std::size_t column) {
+/// @return the length in bytes, or SQL_NULL_DATA, or SQL_NO_TOTAL.
+SQLLEN OdbcCursor::reserveLongText(std::size_t column) {
     Buffer& buffer = buffers_[column];
     SQLLEN length = 0;
     statement_.check(SQLGetData(statement_.get(), static_cast<SQLUSMALLINT>(column + 1),
                                 SQL_C_WCHAR, buffer.cells.data(), 0, &length));
-    if (length < 0)
-        return; // Null, or SQL_NO_TOTAL: read piece by piece
-    const std::size_t needed = odbcWideCellSize(static_cast<std::size_t>(length) / UnitSize);
-    buffer.cells.resize(std::max(buffer.cells.size(), needed));
+    if (length > 0)
+        buffer.cells.resize(std::max(
+            buffer.cells.size(), odbcWideCellSize(static_cast<std::size_t>(length) / UnitSize)));
+    return length;
 }
 
 Value OdbcCursor::value(std::size_t column) const {

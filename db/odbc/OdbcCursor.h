@@ -47,7 +47,7 @@ private:
     void checkCell(std::size_t column);
     bool nextByCell();
     void readCell(std::size_t column);
-    void reserveLongText(std::size_t column);
+    SQLLEN reserveLongText(std::size_t column);
 
     OdbcHandle statement_;
     std::vector<OdbcColumn> columns_;
