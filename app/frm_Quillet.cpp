@@ -65,24 +65,30 @@ void frm_Quillet::Form_Load() {
 }
 
 void frm_Quillet::Form_Activate() {
-    if (activated_ || activating_)
+    if (activated_ || activating_ || !isVisible())
         return;
     activating_ = true;
+    activated_ = startUp();
+    activating_ = false;
+}
+
+bool frm_Quillet::startUp() {
     bool opened = false;
     openStoreDatabase(opened);
-    if (opened) {
-        run_ = std::make_unique<sync::Run>(
-            *db::DB_Control::StoreConnection, surroundings_.settings,
-            db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock);
-        readHeadOffice();
-        QCoreApplication::processEvents(); // so that the window paints
-        reportVersionOnce();
-        migrateFlagColumnsOnce();
-        sync::ReadStamps(*run_);
-        runDriver();
-        activated_ = true;
-    }
-    activating_ = false;
+    if (!opened)
+        return false;
+    run_ = std::make_unique<sync::Run>(
+        *db::DB_Control::StoreConnection, surroundings_.settings,
+        db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock);
+    readHeadOffice();
+    QCoreApplication::processEvents(); // so that the window paints
+    if (run_ == nullptr)
+        return false; // it was closed instead
+    reportVersionOnce();
+    migrateFlagColumnsOnce();
+    sync::ReadStamps(*run_);
+    runDriver();
+    return true;
 }
 
 void frm_Quillet::Form_QueryUnload() {

@@ -47,6 +47,7 @@ private:
     void Form_Load();
     void Form_Activate();
     void Form_QueryUnload();
+    bool startUp();
     void startButton();
     void runDriver();
     void openStoreDatabase(bool& opened);

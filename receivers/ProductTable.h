@@ -15,8 +15,7 @@ namespace quillet::receivers {
 ///     2      KIND_CODE             8      PR_CK, PR_VISIBLE   14     PR_OPTGU
 ///     3      PR_DATE               9      PR_TAX              15     PR_CPRGU
 ///     4      PR_PRICE1             10     PR_IVCK             16     PR_BARCODE
-///     5      PR_PRICE2             11     PR_DCGU             17     PR_POINT, where it is
-///     received
+///     5      PR_PRICE2             11     PR_DCGU             17     PR_POINT (not everywhere)
 ///
 /// Field 8 is the end of sale: 0 on sale, 1 paused, 2 discontinued. A discontinued product that the
 /// store does not have is not created; one that it has keeps its category. Any other value

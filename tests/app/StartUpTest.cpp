@@ -2,6 +2,9 @@
 
 #include "tests/app/ReceiveFixture.h"
 
+#include <QTest>
+#include <QTimer>
+
 namespace quillet {
 namespace {
 
@@ -48,6 +51,20 @@ TEST_F(StartUpTest, AChangedVersionIsReportedOnce) {
     sql("RENAME TABLE ELSEWHERE TO POS");
     counter_.start();
     EXPECT_EQ(reported(), "1.0.0");
+}
+
+TEST_F(StartUpTest, AWindowThatIsClosedAtOnceReceivesNothing) {
+    category("101000000000000", "밥류", "'Y'", "'A402'");
+    for (const bool whilePainting : {false, true}) {
+        counter_.open();
+        if (whilePainting)
+            QTimer::singleShot(0, counter_.window.get(), &QWidget::close);
+        else
+            counter_.window->close();
+        QTest::qWait(200);
+        EXPECT_FALSE(counter_.isWindowOpen());
+        EXPECT_THAT(counter_.rows("SELECT * FROM KIND"), testing::IsEmpty()) << whilePainting;
+    }
 }
 
 TEST_F(StartUpTest, FlagColumnsAreAddedOnce) {

@@ -53,11 +53,15 @@ void Counter::use(const TestHeadOffice& headOffice) {
         settings.SaveSetting("HALDREN", "Settings", key, value);
 }
 
-void Counter::start() {
+void Counter::open() {
     window.reset();
     window = std::make_unique<app::frm_Quillet>(
         app::WindowSurroundings{settings, folder.path(), "1.0.0", db::localNow, afterStatement});
     window->show();
+}
+
+void Counter::start() {
+    open();
     bool begun = false; // the run starts with the first event
     QTimer::singleShot(0, window.get(), [&begun] { begun = true; });
     require(QTest::qWaitFor([&] { return begun; }, Patience), "the window never came up");

@@ -25,6 +25,9 @@ public:
     /// Points the settings at a head office.
     void use(const TestHeadOffice& headOffice);
 
+    /// Opens the window.
+    void open();
+
     /// Opens the window and waits until its automatic receive has ended, one way or the other.
     void start();
 
