@@ -117,8 +117,14 @@ TEST_F(GroupsTest, AFirstReceiveBringsEverythingAndALaterOneWhatChanged) {
           "UPDATE FN SET FN_NAME = '음식', FN_DATE = '2036-01-01'",
           "UPDATE RCTI SET RCTI_CPHONE = '03'"})
         sql(change);
+    counter_.store("UPDATE UPD SET UPD_PR='2026-06-01',UPD_CT='2026-06-01',UPD_USR='2026-06-01',"
+                   "UPD_BAS='2026-06-01',UPD_FN='2026-06-01'");
     counter_.start();
     EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(counter_.rows("SELECT COUNT(*) FROM UPD WHERE UPD_PR > '2026-06-02' AND UPD_PR = "
+                              "UPD_CT AND UPD_PR = UPD_USR AND UPD_PR = UPD_BAS AND UPD_PR = "
+                              "UPD_FN"),
+                ElementsAre("1"));
     // A1 is discontinued: its courses, options and sets no longer come and are swept.
     EXPECT_THAT(everything(),
                 ElementsAre("KIND|0101|밥", "PR|A1|비빔밥|9000|1|0", "PR|A2|국밥|8000|0|1",
