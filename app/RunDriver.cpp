@@ -20,6 +20,7 @@
 #include "sync/SettingsFlags.h"
 #include "sync/UpdateStamps.h"
 
+#include <array>
 #include <span>
 
 namespace quillet::app {
@@ -173,7 +174,8 @@ void RunDriver::receiveStoreSettings() {
     run_.store().PUT_DATA_DEL(run_.statements);
     if (run_.store().Status() == 1)
         return;
-    // The window closes and the stamp has moved on: nobody would ever know.
+    // The window closes and the stamp has moved on: nobody would ever know. The text begins with
+    // the error's number.
     const std::string& failure = run_.store().errorText();
     run_.WriteDownloadLog(receivers::StoreSettingsTitle, "",
                           static_cast<long>(sync::leadingNumber(failure)), failure);

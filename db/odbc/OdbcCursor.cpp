@@ -22,6 +22,12 @@ std::size_t terminatorOf(SQLSMALLINT cType) {
     return cType == SQL_C_CHAR ? 1 : 0;
 }
 
+/// Bytes of the text in a cell of `size` bytes, of which the driver says that it wrote `reported`.
+std::size_t writtenBytes(const char* cell, std::size_t size, SQLLEN reported) {
+    return UnitSize *
+           writtenUnits(cell, size / UnitSize, static_cast<std::size_t>(reported) / UnitSize);
+}
+
 [[noreturn]] void truncated(const Field& field) {
     throw providerError("01004", "A value of column '" + field.Name +
                                      "' is longer than the driver said it could be.");
@@ -124,9 +130,7 @@ void OdbcCursor::checkCell(std::size_t column) {
     if (description.cType != SQL_C_WCHAR)
         return;
     const char* const cell = buffers_[column].cells.data() + row_ * description.cellSize;
-    const std::size_t written =
-        UnitSize * writtenUnits(cell, description.cellSize / UnitSize,
-                                static_cast<std::size_t>(length) / UnitSize);
+    const std::size_t written = writtenBytes(cell, description.cellSize, length);
     if (written != static_cast<std::size_t>(length) && written >= room)
         truncated(fields_[column]);
     length = static_cast<SQLLEN>(written);
@@ -176,8 +180,7 @@ void OdbcCursor::readCell(std::size_t column) {
     }
     if (columns_[column].cType == SQL_C_WCHAR && buffer.indicators[0] != SQL_NULL_DATA)
         buffer.indicators[0] = static_cast<SQLLEN>(
-            UnitSize * writtenUnits(buffer.cells.data(), buffer.cells.size() / UnitSize,
-                                    static_cast<std::size_t>(buffer.indicators[0]) / UnitSize));
+            writtenBytes(buffer.cells.data(), buffer.cells.size(), buffer.indicators[0]));
     buffer.room.resize(std::max(buffer.room.size(), odbcTextRoom(buffer.cells.size())));
 }
 
