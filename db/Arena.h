@@ -24,7 +24,7 @@ private:
     std::vector<std::unique_ptr<char[]>> blocks_;
     char* next_ = nullptr;
     std::size_t left_ = 0;
-    std::size_t nextBlock_ = 4096;
+    std::size_t nextBlock_ = 512;
 };
 
 } // namespace quillet::db

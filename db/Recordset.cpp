@@ -54,7 +54,8 @@ Criteria parseCriteria(std::string_view criteria) {
 
 } // namespace
 
-Recordset::Recordset(FieldList fields) : fields_(std::move(fields)), open_(true) {}
+Recordset::Recordset(FieldList fields)
+    : fields_(std::move(fields)), rows_(fields_.size()), open_(true) {}
 
 void Recordset::Open(const std::string& source, Connection& connection) {
     *this = Recordset();
@@ -72,7 +73,7 @@ void Recordset::Close() {
 
 std::int32_t Recordset::RecordCount() const {
     requireOpen();
-    return static_cast<std::int32_t>(rows_);
+    return static_cast<std::int32_t>(rows_.size());
 }
 
 const FieldList& Recordset::Fields() const {
@@ -82,7 +83,7 @@ const FieldList& Recordset::Fields() const {
 
 bool Recordset::Eof() const {
     requireOpen();
-    return current_ >= rows_;
+    return current_ >= rows_.size();
 }
 
 void Recordset::MoveFirst() {
@@ -113,7 +114,7 @@ void Recordset::Find(std::string_view criteria) {
     std::uint32_t row = found == index.first.end() ? NoRow : found->second;
     while (row != NoRow && row < current_)
         row = index.nextEqual[row];
-    current_ = row == NoRow ? rows_ : row;
+    current_ = row == NoRow ? rows_.size() : row;
 }
 
 Value Recordset::Item(std::size_t column) const {
@@ -122,27 +123,20 @@ Value Recordset::Item(std::size_t column) const {
         throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
                                           "the requested name or ordinal.");
     requireCurrent();
-    return cell(current_, column);
+    return rows_.at(current_, column);
 }
 
-Value* Recordset::addRow() {
+void Recordset::addRow(std::span<const Value> cells) {
     requireOpen();
-    if (rows_ % RowsPerBlock == 0)
-        blocks_.push_back(std::make_unique<Value[]>(RowsPerBlock * fields_.size()));
     indexes_.clear();
-    Value* row = blocks_.back().get() + (rows_ % RowsPerBlock) * fields_.size();
-    ++rows_;
-    return row;
+    rows_.append(cells);
 }
 
 void Recordset::addRow(const Cursor& cursor) {
-    Value* row = addRow();
-    for (std::size_t column = 0; column < fields_.size(); ++column)
-        row[column] = cursor.value(column).keptIn(arena_);
-}
-
-const Value& Recordset::cell(std::size_t row, std::size_t column) const noexcept {
-    return blocks_[row / RowsPerBlock][(row % RowsPerBlock) * fields_.size() + column];
+    scratch_.resize(fields_.size());
+    for (std::size_t column = 0; column < scratch_.size(); ++column)
+        scratch_[column] = cursor.value(column).keptIn(arena_);
+    addRow(scratch_);
 }
 
 void Recordset::requireOpen() const {
@@ -151,7 +145,7 @@ void Recordset::requireOpen() const {
 }
 
 void Recordset::requireCurrent() const {
-    if (current_ >= rows_)
+    if (current_ >= rows_.size())
         throw Error(number::NoCurrentRecord,
                     "Either BOF or EOF is True, or the current record has been deleted. Requested "
                     "operation requires a current record.");
@@ -161,11 +155,11 @@ const Recordset::ColumnIndex& Recordset::indexOf(std::size_t column) {
     if (const auto known = indexes_.find(column); known != indexes_.end())
         return known->second;
     ColumnIndex index;
-    index.first.reserve(rows_);
-    index.nextEqual.assign(rows_, NoRow);
+    index.first.reserve(rows_.size());
+    index.nextEqual.assign(rows_.size(), NoRow);
     // Backwards, so that each text ends up at its first row and chains to the later ones.
-    for (std::size_t row = rows_; row-- > 0;) {
-        const Value& value = cell(row, column);
+    for (std::size_t row = rows_.size(); row-- > 0;) {
+        const Value value = rows_.at(row, column);
         if (value.isNull())
             continue;
         std::string text = value.toText();

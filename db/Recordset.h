@@ -3,12 +3,13 @@
 #include "db/Arena.h"
 #include "db/Cursor.h"
 #include "db/Field.h"
+#include "db/RowStore.h"
 #include "db/Value.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -68,9 +69,9 @@ public:
     /// @throws Error 3265 for a column that is not there, 3021 when the cursor is not on a row.
     Value Item(std::size_t column) const;
 
-    /// Appends a row of Nulls and returns its cells, one per field, to be filled in. Whatever
-    /// they borrow must live in arena().
-    Value* addRow();
+    /// Appends a row.
+    /// @param cells one per field; whatever they borrow must live in arena().
+    void addRow(std::span<const Value> cells);
     Arena& arena() noexcept { return arena_; }
 
     /// Appends the current row of a cursor that has this recordset's fields.
@@ -84,17 +85,14 @@ private:
         std::vector<std::uint32_t> nextEqual; ///< row to the next row of the same text
     };
 
-    const Value& cell(std::size_t row, std::size_t column) const noexcept;
     void requireOpen() const;
     void requireCurrent() const;
     const ColumnIndex& indexOf(std::size_t column);
 
-    static constexpr std::size_t RowsPerBlock = 256;
-
     FieldList fields_;
     Arena arena_;
-    std::vector<std::unique_ptr<Value[]>> blocks_;
-    std::size_t rows_ = 0;
+    RowStore rows_;
+    std::vector<Value> scratch_; ///< a row on its way in
     std::size_t current_ = 0;
     bool open_ = false;
     std::map<std::size_t, ColumnIndex> indexes_;

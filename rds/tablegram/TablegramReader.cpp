@@ -147,7 +147,7 @@ class Rows {
 public:
     Rows(const std::vector<ColumnDescriptor>& columns, unsigned codePage)
         : recordset_(visibleFields(columns)), codePage_(codePage), row_(columns.size()),
-          mapSize_((columns.size() + 7) / 8) {
+          visibleCells_(recordset_.Fields().size()), mapSize_((columns.size() + 7) / 8) {
         for (const ColumnDescriptor& column : columns) {
             columns_.push_back({CellDecoder(column), column.isNullable(), column.visible});
             nullableColumns_ += column.isNullable() ? 1 : 0;
@@ -208,6 +208,8 @@ private:
             if (column.visible)
                 fields.push_back(fieldOf(column));
         }
+        if (fields.empty())
+            throw badReply("its recordset has hidden columns only");
         return fields;
     }
 
@@ -236,18 +238,20 @@ private:
     void keep() {
         if (pending_ == Pending::None)
             return;
-        db::Value* cell = recordset_.addRow();
+        auto cell = visibleCells_.begin();
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             if (columns_[i].visible)
                 *cell++ = row_[i];
         }
+        recordset_.addRow(visibleCells_);
         pending_ = Pending::None;
     }
 
     db::Recordset recordset_;
     CodePage codePage_;
     std::vector<Column> columns_;
-    std::vector<db::Value> row_;
+    std::vector<db::Value> row_; ///< hidden cells included
+    std::vector<db::Value> visibleCells_;
     std::size_t mapSize_;
     std::size_t nullableColumns_ = 0;
     Pending pending_ = Pending::None;

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <limits>
 
 namespace quillet::db {
@@ -19,10 +20,8 @@ Recordset recordsetOf(const std::vector<std::string>& codes,
     Recordset recordset(fields);
     std::int64_t row = 0;
     for (const std::string& text : codes) {
-        Value* cells = recordset.addRow();
-        if (text != "NULL")
-            cells[0] = Value::text(recordset.arena().copy(text));
-        cells[1] = Value::integer(row++);
+        const Value code = Value::text(recordset.arena().copy(text));
+        recordset.addRow(std::array{text == "NULL" ? Value() : code, Value::integer(row++)});
     }
     return recordset;
 }
@@ -94,6 +93,34 @@ TEST(RecordsetTest, KeepsManyRowsInPlaceAndKnowsItsEnds) {
     none.Close();
     EXPECT_THROW(none.Eof(), Error) << "closed, not empty";
     EXPECT_THROW(Recordset().RecordCount(), Error);
+}
+
+TEST(RecordsetTest, KnowsEveryCellWhereverTheNullsAre) {
+    constexpr std::int64_t Rows = 300;
+    for (const std::size_t columns : {1U, 7U, 8U, 9U, 64U, 71U}) {
+        const auto isNull = [](std::int64_t row, std::size_t column) {
+            return row % 5 == 0 || (static_cast<std::size_t>(row) * 31 + column * column) % 3 == 0;
+        };
+        Recordset recordset{FieldList(columns)};
+        std::vector<Value> cells(columns);
+        for (std::int64_t row = 0; row < Rows; ++row) {
+            for (std::size_t i = 0; i < columns; ++i)
+                cells[i] = isNull(row, i)
+                               ? Value()
+                               : Value::integer(row * 100 + static_cast<std::int64_t>(i));
+            recordset.addRow(cells);
+        }
+        for (std::int64_t row = 0; row < Rows; ++row, recordset.MoveNext()) {
+            for (std::size_t i = 0; i < columns; ++i) {
+                const Value cell = recordset.Item(i);
+                ASSERT_EQ(cell.isNull(), isNull(row, i)) << row << ' ' << i;
+                ASSERT_TRUE(cell.isNull() ||
+                            cell.asInteger() == row * 100 + static_cast<std::int64_t>(i))
+                    << row << ' ' << i;
+            }
+        }
+        EXPECT_TRUE(recordset.Eof());
+    }
 }
 
 TEST(ValueTest, ReadsAsThePlatformConvertsIt) {

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -99,8 +100,8 @@ TEST(Variant, ArraysKeepShapeAndTypeOfTheirElements) {
 
 TEST(Variant, RecordsetsTravelAsArguments) {
     auto recordset = std::make_shared<db::Recordset>(db::FieldList(1));
-    recordset->addRow()[0] = db::Value::boolean(true);
-    recordset->addRow();
+    recordset->addRow(std::array{db::Value::boolean(true)});
+    recordset->addRow(std::array{db::Value()});
     const Variant sent(Dispatch{recordset});
     for (int round = 0; round < 2; ++round) { // writing leaves it as it was
         const Variant received = decoded(encoded(sent));

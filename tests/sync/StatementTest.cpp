@@ -38,9 +38,8 @@ TEST(LeadingNumberTest, TakesTheNumberATextStartsWith) {
 
 TEST(SqlTemplateTest, PutsFieldsWhereTheyBelong) {
     db::Recordset rows(db::FieldList(3));
-    db::Value* cells = rows.addRow();
-    cells[0] = db::Value::text("0101");
-    cells[1] = db::Value::text("김치's {2}"); // neither escaped nor expanded
+    // Neither escaped nor expanded.
+    rows.addRow(std::array{db::Value::text("0101"), db::Value::text("김치's {2}"), db::Value()});
     const ServerRow row(rows);
 
     const SqlTemplate statement(" SET A = '{1}', B = {#0},{flag} C = '{2}' ", {"x", "flag"});
