@@ -6,17 +6,12 @@
 #include <boost/asio/connect.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/http/buffer_body.hpp>
-#include <boost/beast/http/parser.hpp>
-#include <boost/beast/http/read.hpp>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <future>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <thread>
@@ -29,17 +24,13 @@ namespace {
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
-namespace http = beast::http;
 using asio::ip::tcp;
 using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
 using Endpoints = std::vector<tcp::endpoint>;
 
 constexpr std::uint64_t MaxReplyBody = std::uint64_t{1} << 30U;
-constexpr std::uint64_t MaxReserve = std::uint64_t{64} << 20U;
-constexpr std::uint32_t MaxReplyHead = 64U << 10U;
 constexpr int MaxInterimReplies = 32;
-constexpr std::size_t PieceSize = 64U << 10U;
 
 struct ServerAddress {
     std::string host;
@@ -154,12 +145,9 @@ public:
 
     std::string receive() {
         for (int replies = 0; replies <= MaxInterimReplies; ++replies) {
-            http::response_parser<http::buffer_body> parser;
-            parser.header_limit(MaxReplyHead);
+            TimedStream::Parser<false> parser;
             parser.body_limit(MaxReplyBody);
-            const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
-                http::async_read_header(stream_.stream(), buffer_, parser, std::move(handler));
-            });
+            error_code error = stream_.readHead(parser, timeouts_.read);
             if (error)
                 fail(reasonOf(error));
             const unsigned status = parser.get().result_int();
@@ -168,7 +156,11 @@ public:
             if (status != 200)
                 fail("HTTP status " + std::to_string(status) + ' ' +
                      printable(parser.get().reason()));
-            return receiveBody(parser);
+            std::string body;
+            error = stream_.readBody(parser, body, timeouts_.read);
+            if (error)
+                fail(reasonOf(error));
+            return body;
         }
         fail("no final reply");
     }
@@ -180,26 +172,6 @@ public:
     }
 
 private:
-    std::string receiveBody(http::response_parser<http::buffer_body>& parser) {
-        std::string body;
-        if (const auto length = parser.content_length())
-            body.reserve(static_cast<std::size_t>(std::min(*length, MaxReserve)));
-        const auto piece = std::make_unique<char[]>(PieceSize);
-        buffer_.reserve(PieceSize); // also the size in which Beast reads
-        while (!parser.is_done()) {
-            auto& target = parser.get().body();
-            target.data = piece.get();
-            target.size = PieceSize;
-            const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
-                http::async_read_some(stream_.stream(), buffer_, parser, std::move(handler));
-            });
-            if (error && error != http::error::need_buffer)
-                fail(reasonOf(error));
-            body.append(piece.get(), PieceSize - target.size);
-        }
-        return body;
-    }
-
     template <typename Text>
     static std::string printable(const Text& text) {
         std::string result(text.data(), text.size());
@@ -213,7 +185,6 @@ private:
     std::string server_;
     HttpClient::Timeouts timeouts_;
     TimedStream stream_;
-    beast::flat_buffer buffer_;
 };
 
 } // namespace

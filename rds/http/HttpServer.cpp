@@ -8,12 +8,8 @@
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/string.hpp>
-#include <boost/beast/http/parser.hpp>
-#include <boost/beast/http/read.hpp>
 #include <boost/beast/http/status.hpp>
-#include <boost/beast/http/string_body.hpp>
 
 #include <array>
 #include <atomic>
@@ -36,8 +32,6 @@ using asio::ip::tcp;
 using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::uint32_t MaxRequestHead = 64U << 10U;
-constexpr std::size_t ReadSize = 64U << 10U;
 constexpr auto LingerTime = std::chrono::seconds(1);
 
 std::string httpDate() {
@@ -150,16 +144,12 @@ private:
         bool started_ = false;
     };
 
-    template <typename Start>
-    error_code wait(Start start) {
-        return stream_.wait(options_.patience, std::move(start));
-    }
-
     void send(std::string_view head, std::string_view body) {
         const std::array<asio::const_buffer, 2> bytes{asio::buffer(head.data(), head.size()),
                                                       asio::buffer(body.data(), body.size())};
-        const error_code error = wait(
-            [&](auto handler) { asio::async_write(stream_.stream(), bytes, std::move(handler)); });
+        const error_code error = stream_.wait(options_.patience, [&](auto handler) {
+            asio::async_write(stream_.stream(), bytes, std::move(handler));
+        });
         if (error)
             throw db::Error(db::number::RemoteServerUnavailable,
                             "The client is gone: " + reasonOf(error));
@@ -167,13 +157,9 @@ private:
 
     /// @return false when there is no request to answer.
     bool readRequest(HttpRequest& request) {
-        http::request_parser<http::string_body> parser;
-        parser.header_limit(MaxRequestHead);
+        TimedStream::Parser<true> parser;
         parser.body_limit(options_.maxBody);
-        buffer_.reserve(ReadSize); // also the size in which Beast reads
-        error_code error = wait([&](auto handler) {
-            http::async_read_header(stream_.stream(), buffer_, parser, std::move(handler));
-        });
+        error_code error = stream_.readHead(parser, options_.patience);
         if (error)
             return refuseUnread(error);
         const auto method = parser.get().method();
@@ -185,18 +171,13 @@ private:
         }
         if (beast::iequals(parser.get()[http::field::expect], "100-continue"))
             send("HTTP/1.1 100 Continue\r\n\r\n", "");
-        while (!error && !parser.is_done()) {
-            error = wait([&](auto handler) {
-                http::async_read_some(stream_.stream(), buffer_, parser, std::move(handler));
-            });
-        }
+        error = stream_.readBody(parser, request.body, options_.patience);
         if (error)
             return refuseUnread(error);
 
         auto message = parser.release();
         request.method = std::string(message.method_string());
         request.target = std::string(message.target());
-        request.body = std::move(message.body());
         std::ostringstream peer;
         error_code ignored;
         peer << socket().remote_endpoint(ignored);
@@ -258,7 +239,6 @@ private:
     const HttpServer::Options& options_;
     const HttpServer::Handler& handler_;
     TimedStream stream_;
-    beast::flat_buffer buffer_;
     bool answering_ = false;
     bool stopping_ = false;
     std::atomic<bool> done_ = false;

@@ -91,6 +91,11 @@ TEST(HttpClient, RefusesCutAndWrongReplies) {
         {"HTTP/1.1 404 Object Not Found\r\n\r\n<html>", "404 Object Not Found"},
         {"HTTP/1.1 302 Found\r\nLocation: http://elsewhere/\r\n\r\n", "302 Found"},
         {"HTTP/1.1 200 OK\r\nLarge: " + std::string(100'000, 'x') + "\r\n\r\n", "not HTTP"},
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5;" + std::string(300'000, 'x'),
+         "not HTTP"},
+        {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n0\r\nTrailer: " +
+             std::string(300'000, 'x'),
+         "not HTTP"},
         {"SSH-2.0-server\r\n", "not HTTP"},
         {"", "closed without a reply"}};
     for (const auto& [reply, reason] : replies) {
