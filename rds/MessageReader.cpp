@@ -132,8 +132,11 @@ Message readMessage(std::string_view body) {
         const std::size_t start = in.position();
         const std::size_t before = message.values.size();
         // No type code looks like the line end in front of a delimiter.
-        while (!in.startsWith(format::LineEnd))
+        while (!in.startsWith(format::LineEnd)) {
+            if (message.values.size() > message.argumentCount) // there may be a result
+                throw badReply("it has more values than arguments");
             message.values.push_back(decoder.next());
+        }
         if (message.values.size() == before)
             throw badReply("a part of it is empty");
         if (length)

@@ -206,7 +206,7 @@ void encodeValue(const Variant& value, ByteWriter& out) {
 
 void VariantDecoder::takeFromBudget(std::size_t values) {
     if (values > valuesLeft_)
-        throw badReply("it has over " + std::to_string(MaxValues) + " values");
+        throw badReply("it has more values than its bytes justify");
     valuesLeft_ -= values;
 }
 

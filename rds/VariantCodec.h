@@ -23,10 +23,15 @@ void encodeValue(const Variant& value, ByteWriter& out);
 /// memory than their bytes justify.
 class VariantDecoder {
 public:
-    static constexpr int MaxDepth = 16;                             ///< arrays within arrays
-    static constexpr std::size_t MaxValues = std::size_t{1} << 20U; ///< elements included
+    static constexpr int MaxDepth = 16; ///< arrays within arrays
 
-    explicit VariantDecoder(ByteReader& in) : in_(in) {}
+    /// A message may have this many values, elements included, and one more for every so many
+    /// bytes: in memory a value is much larger than the smallest ones are on the wire.
+    static constexpr std::size_t FreeValues = std::size_t{32} << 10U;
+    static constexpr std::size_t BytesPerValue = 8;
+
+    explicit VariantDecoder(ByteReader& in)
+        : in_(in), valuesLeft_(FreeValues + in.remaining() / BytesPerValue) {}
 
     /// Reads a value with its type code.
     /// @throws db::Error `number::Unspecified` when the bytes are no such value.
@@ -43,7 +48,7 @@ private:
     void takeFromBudget(std::size_t values);
 
     ByteReader& in_;
-    std::size_t valuesLeft_ = MaxValues;
+    std::size_t valuesLeft_;
 };
 
 } // namespace quillet::rds

@@ -214,6 +214,9 @@ void variant(const Value& value, ByteWriter& out) {
         head(DataType::UnsignedBigInt);
         return out.u64(value.asUnsigned());
     case Kind::Single:
+        head(DataType::Single);
+        out.r4(static_cast<float>(value.asDouble()));
+        return out.fill(4, '\0');
     case Kind::Double:
         head(DataType::Double);
         return out.r8(value.asDouble());

@@ -181,6 +181,9 @@ TEST(Tablegram, ValuesAreConvertedToTheirColumnOrRefused) {
         "000000000000F8BF");
     EXPECT_EQ(hex(cell(column(DataType::Variant, 16, Fixed), Value::integer(-2))),
               "1400000000000000FEFFFFFFFFFFFFFF");
+    EXPECT_EQ(hex(cell(column(DataType::Variant, 16, Fixed), Value::single(0.1F))),
+              "0400000000000000CDCCCC3D00000000")
+        << "as a double it would read as 0.10000000149011612";
     const std::string wide =
         cell(column(DataType::Numeric, 19, Fixed, 65, 30), Value::decimal("123456789012.5"));
     EXPECT_EQ(hex(wide.substr(0, 9)), "410101CD04FB711F01") << "no room for 30 decimals";
