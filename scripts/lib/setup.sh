@@ -2,6 +2,8 @@
 # What both commands need before they start: the Debian packages, and a build.
 #
 #   setup_packages            install the packages that are missing (with sudo where not root)
+#   setup_more_packages PACKAGE ...
+#                             the same for packages that only the caller needs
 #   setup_build PRESET [TARGET ...]
 #                             configure and build; sets BUILD_DIR
 #   setup_display DIR         show windows on the user's display, or on a virtual one of our own
@@ -26,9 +28,11 @@ setup__packages=(
 
 setup__say() { printf '== %s\n' "$*"; }
 
-setup_packages() {
+setup_packages() { setup_more_packages "${setup__packages[@]}"; }
+
+setup_more_packages() {
     local package missing=() as_root=()
-    for package in "${setup__packages[@]}"; do
+    for package in "$@"; do
         [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2> /dev/null) == installed ]] ||
             missing+=("$package")
     done
