@@ -1,6 +1,7 @@
 #include "headoffice/QueryObject.h"
 
 #include "db/Connection.h"
+#include "headoffice/RowByRow.h"
 
 #include <string>
 
@@ -13,7 +14,7 @@ std::vector<rds::ServerObject::Method> QueryObject::methods() {
 void QueryObject::getsql(Arguments& arguments, rds::CallResult& result) {
     const std::string sql = arguments[0].toText();
     db::Connection connection;
-    connection.Open(arguments[4].toText());
+    connection.Open(readingRowByRow(arguments[4].toText()));
     const auto cursor = connection.query(sql);
     if (cursor->fields().empty()) {
         result.value(rds::Dispatch{});

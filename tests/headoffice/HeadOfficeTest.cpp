@@ -1,6 +1,7 @@
 #include "headoffice/HeadOffice.h"
 
 #include "db/Connection.h"
+#include "headoffice/RowByRow.h"
 #include "rds/Call.h"
 #include "rds/DataSpace.h"
 #include "tests/support/Errors.h"
@@ -164,6 +165,16 @@ TEST_F(HeadOfficeTest, ServesSeveralCountersAtOnce) {
         }));
     for (auto& counter : counters)
         EXPECT_EQ(counter.get(), 5000);
+}
+
+TEST(RowByRow, AsksTheDriversThatCanForIt) {
+    const auto reading = [](const char* text) { return headoffice::readingRowByRow(text); };
+    EXPECT_EQ(reading("DRIVER={MySQL ODBC 3.51 Driver};SERVER=a;PWD={x;OPTION=1};OPTION=16386"),
+              "OPTION=3162114;DRIVER={MySQL ODBC 3.51 Driver};SERVER=a;PWD={x;OPTION=1};");
+    EXPECT_EQ(reading("Driver=MariaDB;Pwd={open"), "OPTION=3145728;Driver=MariaDB;Pwd={open");
+    for (const char* untouched : {"DRIVER={SQLite3};OPTION=1", "DSN=chain;OPTION=1", "",
+                                  "DRIVER={MySQL};OPTION=many", "DRIVER={MySQL};OPTION=-1"})
+        EXPECT_EQ(reading(untouched), untouched);
 }
 
 } // namespace
