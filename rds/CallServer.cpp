@@ -2,6 +2,7 @@
 
 #include "db/AsciiText.h"
 #include "db/Error.h"
+#include "rds/MessageFormat.h"
 
 #include <cstdint>
 #include <exception>
@@ -21,6 +22,20 @@ ScodeError failure(std::uint32_t scode, long number, std::string source, std::st
     error.source.text = std::move(source);
     error.description.text = std::move(description);
     return error;
+}
+
+/// The whole message of a client that has put its first lines into the HTTP head; empty for one
+/// that has them in the body, where they belong.
+std::string messageAcrossHeadAndBody(const HttpRequest& request) {
+    std::string_view parts = request.body;
+    if (parts.starts_with(format::LineEnd))
+        parts.remove_prefix(format::LineEnd.size());
+    if (!parts.starts_with(format::Delimiter))
+        return {};
+    std::string message(format::ContentType);
+    message += request.header("Content-Type");
+    message.append(format::LineEnd).append(format::LineEnd).append(parts);
+    return message;
 }
 
 /// Passes a body on in large pieces, the first one as late as possible.
@@ -161,7 +176,8 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
     HeldBackBody body(reply);
     ScodeError error;
     try {
-        Call call = decodeCall(request.target, request.body);
+        const std::string across = messageAcrossHeadAndBody(request);
+        Call call = decodeCall(request.target, across.empty() ? request.body : across);
         record.target = call.progId + '.' + call.method;
         const ServerObject::Method& method = find(call);
         ReplyWriter writer(body, call, options_.returnArguments ? &method.byReference : nullptr,

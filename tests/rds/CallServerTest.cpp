@@ -8,9 +8,13 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -38,6 +42,43 @@ private:
     db::FieldList fields_{1};
     std::string text_ = std::string(1000, 'x');
     int left_;
+};
+
+/// Rows of 1,000 characters that counts how many have been taken.
+class CountedCursor : public db::Cursor {
+public:
+    CountedCursor(int rows, std::atomic<int>& taken) : rows_(rows), taken_(taken) {
+        fields_[0].DefinedSize = 1000;
+        fields_[0].Type = db::DataType::Char;
+    }
+
+    const db::FieldList& fields() const override { return fields_; }
+    db::Value value(std::size_t) const override { return db::Value::text(text_); }
+    bool next() override { return ++taken_ <= rows_; }
+
+private:
+    db::FieldList fields_{1};
+    std::string text_ = std::string(1000, 'x');
+    int rows_;
+    std::atomic<int>& taken_;
+};
+
+/// Returns many rows.
+class LargeObject : public rds::ServerObject {
+public:
+    explicit LargeObject(int rows) : rows_(rows) {}
+
+    std::vector<Method> methods() override {
+        return {{"Rows", {}, [this](Arguments&, rds::CallResult& result) {
+                     CountedCursor cursor(rows_, taken);
+                     result.rows(cursor);
+                 }}};
+    }
+
+    std::atomic<int> taken = 0;
+
+private:
+    int rows_;
 };
 
 /// Getsql does what its first argument says.
@@ -124,6 +165,46 @@ TEST_F(CallServerTest, ChangesOnlyTheArgumentsThatComeBack) {
     EXPECT_THAT(statements, ::testing::ElementsAre("", "changed", "longer"));
     EXPECT_EQ(errorText, "text!");
     EXPECT_EQ(connection, "kept");
+}
+
+TEST_F(CallServerTest, TakesNoMoreRowsThanItsClientReads) {
+    constexpr int Rows = 60'000;
+    LargeObject large(Rows);
+    calls_.add("large", large);
+    const rds::Call call{"large", "Rows", {}, rds::newBoundary()};
+    const std::string body = rds::encodeCall(call);
+    tests::RawClient client(server_.port());
+    tests::sendRaw(client.socket(),
+                   rds::HttpClient::requestHead("x", rds::callPath(call), body.size()) + body);
+    // Until the connection can hold no more: what is not sent by then has not been asked for.
+    for (int before = -1; before != large.taken || before == 0;) {
+        before = large.taken;
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    }
+    EXPECT_LT(large.taken, Rows / 2) << "of 60 MB";
+    const std::string reply = tests::receiveRaw(client.socket());
+    const std::size_t head = reply.find("\r\n\r\n") + 4;
+    const rds::Reply read = rds::decodeReply(std::string_view(reply).substr(head), 0);
+    EXPECT_EQ(std::get<rds::Dispatch>(*read.result).recordset->RecordCount(), Rows);
+}
+
+TEST_F(CallServerTest, ReadsMessagesThatBeginInTheHttpHead) {
+    const rds::Call call{"odd.object",
+                         "PUTSQL",
+                         {rds::Empty{}, rds::Variant::string("e"), rds::Empty{}},
+                         "b0undary"};
+    const std::string body = rds::encodeCall(call);
+    const std::size_t type = body.find("Content-Type: ");
+    const std::size_t parts = body.find("\r\n", type) + 2;
+    for (const std::size_t from : {parts, parts + 2}) { // with a blank line or without
+        const std::string reply =
+            tests::RawClient(server_.port())
+                .ask("POST " + rds::callPath(call) + " HTTP/1.1\r\n" + body.substr(0, parts) +
+                     "Content-Length: " + std::to_string(body.size() - from) + "\r\n\r\n" +
+                     body.substr(from));
+        EXPECT_THAT(reply, HasSubstr("boundary=b0undary; num-args=3\r\n"));
+        EXPECT_THAT(reply, Not(HasSubstr("Content-Length: 6\r\n"))) << "no error";
+    }
 }
 
 TEST_F(CallServerTest, RefusesWhatIsNoCall) {
