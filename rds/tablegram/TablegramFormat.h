@@ -18,6 +18,12 @@ inline constexpr std::uint8_t DeletedRow = 0x0C;
 inline constexpr std::uint8_t InsertedRow = 0x0D;
 inline constexpr std::uint8_t Done = 0x0F;
 
+// Rows of recordsets within rows.
+inline constexpr std::uint8_t ChildRow = 0x87;
+inline constexpr std::uint8_t ChangedChildRow = 0x8A;
+inline constexpr std::uint8_t DeletedChildRow = 0x8C;
+inline constexpr std::uint8_t InsertedChildRow = 0x8D;
+
 } // namespace quillet::rds::token
 
 namespace quillet::rds::presence {

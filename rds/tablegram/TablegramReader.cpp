@@ -185,6 +185,10 @@ public:
                 keep();
                 return std::move(recordset_);
             case token::ResultDescriptor:
+            case token::ChildRow:
+            case token::ChangedChildRow:
+            case token::DeletedChildRow:
+            case token::InsertedChildRow:
                 throw badReply("its recordset is hierarchical, which is not supported");
             default:
                 throw badReply("a row starts with " + hex(next));
