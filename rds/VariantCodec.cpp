@@ -180,10 +180,13 @@ void write(const VariantArray& array, ByteWriter& out) {
         out.u32(dimension.count);
         out.i32(dimension.lowerBound);
     }
+    // The only object there is stands in arrays of either interface.
+    const VarType valueType =
+        array.elementType == VarType::Unknown ? VarType::Dispatch : array.elementType;
     for (const Variant& element : array.elements) {
         if (array.elementType == VarType::Variant) {
             encodeValue(element, out);
-        } else if (element.isArray() || element.type() != array.elementType) {
+        } else if (element.isArray() || element.type() != valueType) {
             throw db::Error(db::number::TypeMismatch, "An array has an element of another type.");
         } else {
             writeContent(element, out);

@@ -1,11 +1,14 @@
 #include "rds/http/HttpClient.h"
 
+#include "rds/RemoteObject.h"
+#include "tests/rds/Vectors.h"
 #include "tests/support/Errors.h"
 #include "tests/support/ScriptedServer.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -110,6 +113,33 @@ TEST(HttpClient, RefusesCutAndWrongReplies) {
         tests::receiveRaw(socket);
     });
     EXPECT_THAT(failureOf(unwilling.address()), HasSubstr("403 Forbidden"));
+}
+
+TEST(HttpClient, NoCallSucceedsWithACutReplyWhateverItsForm) {
+    const std::string body = tests::vectors::putsqlReplyTrue();
+    std::ostringstream chunked;
+    chunked << "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n64\r\n"
+            << body.substr(0, 100) << "\r\n"
+            << std::hex << body.size() - 100 << "\r\n"
+            << body.substr(100) << "\r\n0\r\n\r\n";
+    const std::vector<std::string> replies{
+        "HTTP/1.1 200 OK\r\n\r\n" + body,
+        "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body,
+        chunked.str()};
+    for (const std::string& reply : replies) {
+        for (std::size_t size = 0; size <= reply.size(); ++size) {
+            ScriptedServer server("--\r\n", reply.substr(0, size));
+            std::vector<std::string> statements{"", "s"};
+            std::string errorText = "kept", connection;
+            const auto call = [&] {
+                rds::RemoteObject("a.b", server.address(), impatientClient())
+                    .PUTSQL(statements, errorText, connection);
+            };
+            ASSERT_EQ(tests::errorOf(call).Number() == 0, size == reply.size())
+                << size << " of " << reply;
+            ASSERT_EQ(errorText, size == reply.size() ? "DB1" : "kept");
+        }
+    }
 }
 
 TEST(HttpClient, NamesWhatKeepsItFromTheServer) {

@@ -66,6 +66,9 @@ TEST(Variant, EveryTypeHasItsBytesAndItsText) {
         SCOPED_TRACE(c.wire);
         EXPECT_EQ(hex(encoded(c.value)), hex(bytes(c.wire)));
         EXPECT_EQ(decoded(bytes(c.wire)), c.value);
+        const Variant twice = array(c.value.type(), {{2, 1}}, {c.value, c.value});
+        EXPECT_EQ(decoded(encoded(twice)),
+                  c.value.isEmpty() ? array(VarType::Empty, {{2, 1}}, {}) : twice);
         if (c.text != nullptr) {
             EXPECT_EQ(c.value.toText(), c.text);
         }
@@ -93,7 +96,8 @@ TEST(Variant, ArraysKeepShapeAndTypeOfTheirElements) {
     const Variant empty = array(VarType::BStr, {{0, 0}, {4000000000U, 0}}, {});
     const Variant blank = array(VarType::Empty, {{4000000000U, 0}}, {});
     const Variant objects = array(VarType::Dispatch, {{1, 0}}, {Variant(Dispatch{})});
-    for (const Variant& value : {strings, table, nested, isNull, empty, blank, objects})
+    const Variant unknown = array(VarType::Unknown, {{1, 0}}, {Variant(Dispatch{})});
+    for (const Variant& value : {strings, table, nested, isNull, empty, blank, objects, unknown})
         EXPECT_EQ(decoded(encoded(value)), value) << hex(encoded(value));
     EXPECT_THROW(encoded(array(VarType::I4, {{1, 0}}, {Variant::string("1")})), db::Error);
 }
