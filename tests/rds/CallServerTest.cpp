@@ -106,9 +106,19 @@ private:
     /// Turns its arguments round.
     static void putsql(Arguments& arguments, rds::CallResult& result) {
         arguments[0] = rds::Variant::strings({"", "changed", "longer"});
-        arguments[1] = rds::Variant::string(arguments[1].toText() + "!");
+        const std::string what = arguments[1].toText();
+        arguments[1] = rds::Variant::string(what + "!");
         arguments[2] = rds::Empty{};
-        result.value(std::int16_t{-1});
+        if (what == "no array")
+            arguments[0] = rds::Variant::string("text");
+        if (what == "long")
+            result.value(std::int32_t{0});
+        else if (what == "empty")
+            result.value(rds::Empty{});
+        else if (what == "object")
+            result.value(rds::Dispatch{});
+        else if (what != "procedure")
+            result.value(std::int16_t{-1});
     }
 };
 
@@ -165,6 +175,20 @@ TEST_F(CallServerTest, ChangesOnlyTheArgumentsThatComeBack) {
     EXPECT_THAT(statements, ::testing::ElementsAre("", "changed", "longer"));
     EXPECT_EQ(errorText, "text!");
     EXPECT_EQ(connection, "kept");
+}
+
+TEST_F(CallServerTest, TakesWhatOldObjectsReturnForABoolean) {
+    std::vector<std::string> statements;
+    std::string connection;
+    for (std::string what : {"long", "empty"})
+        EXPECT_FALSE(remote("odd.object").PUTSQL(statements, what, connection));
+    statements = {"kept"};
+    for (const char* wrong : {"object", "procedure", "no array"}) {
+        std::string what = wrong;
+        const auto call = [&] { remote("odd.object").PUTSQL(statements, what, connection); };
+        EXPECT_EQ(tests::errorOf(call).Number(), 13) << wrong;
+        EXPECT_EQ(what + statements.front(), std::string(wrong) + "kept");
+    }
 }
 
 TEST_F(CallServerTest, TakesNoMoreRowsThanItsClientReads) {

@@ -71,7 +71,7 @@ TEST(HttpClient, ReadsEveryFormOfReply) {
         SCOPED_TRACE(form);
         ScriptedServer atOnce("body", reply);
         EXPECT_EQ(impatientClient().post(atOnce.address(), Path, "body"), "hello");
-        ScriptedServer byteByByte([&](tests::tcp::socket& socket) {
+        ScriptedServer byteByByte([&reply = reply](tests::tcp::socket& socket) {
             tests::receiveUntil(socket, "body");
             socket.set_option(tests::tcp::no_delay(true));
             for (const char c : reply) {
