@@ -8,7 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -465,32 +464,6 @@ TEST(Tablegram, UnknownMetadataIsSkipped) {
         EXPECT_EQ(recordset.Fields().size(), 3U);
         EXPECT_EQ(recordset.Item(0).asInteger(), 1);
     }
-}
-
-TEST(Tablegram, RowsLeaveInPiecesAsTheyCome) {
-    db::Field field;
-    field.Name = "TEXT";
-    field.DefinedSize = 400;
-    std::vector<std::size_t> pieces;
-    std::string all;
-    TablegramWriter writer(
-        [&](std::string_view piece) {
-            pieces.push_back(piece.size());
-            all += piece;
-        },
-        describe({field}));
-    const std::string text = "한글 " + std::string(90, 'x');
-    RowsCursor cursor({}, {{Value::text(text)}});
-    cursor.next();
-    for (int i = 0; i < 20000; ++i)
-        writer.writeRow(cursor);
-    writer.finish();
-    EXPECT_GT(pieces.size(), 50U);
-    EXPECT_LT(*std::max_element(pieces.begin(), pieces.end()), 66U * 1024U);
-    db::Recordset recordset = read(all);
-    ASSERT_EQ(recordset.RecordCount(), 20000);
-    for (; !recordset.Eof(); recordset.MoveNext())
-        ASSERT_EQ(recordset.Item(0).bytes(), text);
 }
 
 } // namespace
