@@ -7,7 +7,6 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
