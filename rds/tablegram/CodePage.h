@@ -17,8 +17,8 @@ inline constexpr unsigned DefaultCodePage = 949;
 /// An instance is for one thread at a time.
 class CodePage {
 public:
-    /// @param number Windows' number of the code page.
-    /// @throws db::Error `number::Unspecified` when the system does not know it.
+    /// @param number Windows' number of the code page. One that the system does not know is
+    ///        db::Error `number::Unspecified`, from here on or from the first text that needs it.
     explicit CodePage(unsigned number);
     ~CodePage();
     CodePage(CodePage&&) noexcept;

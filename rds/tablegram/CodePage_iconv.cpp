@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <iconv.h>
+#include <optional>
 
 namespace quillet::rds {
 
@@ -56,13 +57,26 @@ std::size_t lengthOfCharacter(std::string_view utf8) noexcept {
 
 } // namespace
 
+/// A converter takes 32 KiB, and most texts are ASCII: it is made when one is not.
 class CodePage::Impl {
 public:
-    explicit Impl(unsigned number)
-        : decoder("UTF-8", iconvName(number)), encoder(iconvName(number), "UTF-8") {}
+    explicit Impl(unsigned number) : name_(iconvName(number)) {}
 
-    Converter decoder;
-    Converter encoder;
+    Converter& decoder() {
+        if (!decoder_)
+            decoder_.emplace("UTF-8", name_);
+        return *decoder_;
+    }
+
+    Converter& encoder() {
+        if (!encoder_)
+            encoder_.emplace(name_, "UTF-8");
+        return *encoder_;
+    }
+
+private:
+    std::string name_;
+    std::optional<Converter> decoder_, encoder_;
 };
 
 CodePage::CodePage(unsigned number) : impl_(std::make_unique<Impl>(number)) {}
@@ -73,17 +87,18 @@ CodePage& CodePage::operator=(CodePage&&) noexcept = default;
 std::size_t CodePage::toUtf8(std::string_view bytes, char* out) const {
     if (isAscii(bytes))
         return bytes.copy(out, bytes.size());
+    Converter& decoder = impl_->decoder();
     char* next = out;
     std::size_t room = 3 * bytes.size();
-    while (!impl_->decoder.convert(bytes, next, room)) {
-        if (impl_->decoder.outputFull())
+    while (!decoder.convert(bytes, next, room)) {
+        if (decoder.outputFull())
             break; // a code page whose characters outgrow the documented room
         constexpr std::string_view Replacement = "\xEF\xBF\xBD";
         if (room < Replacement.size())
             break;
         next += Replacement.copy(next, Replacement.size());
         room -= Replacement.size();
-        if (impl_->decoder.inputIncomplete())
+        if (decoder.inputIncomplete())
             break;
         bytes.remove_prefix(1);
     }
@@ -96,14 +111,15 @@ std::size_t CodePage::appendFromUtf8(std::string_view utf8, std::string& out) co
         out.append(utf8);
         return utf8.size();
     }
+    Converter& encoder = impl_->encoder();
     bool done = false;
     while (!done) {
         char piece[1024];
         char* next = piece;
         std::size_t room = sizeof piece;
-        done = impl_->encoder.convert(utf8, next, room);
+        done = encoder.convert(utf8, next, room);
         out.append(piece, next);
-        if (!done && !impl_->encoder.outputFull()) {
+        if (!done && !encoder.outputFull()) {
             out.push_back('?');
             utf8.remove_prefix(lengthOfCharacter(utf8));
         }
