@@ -14,7 +14,8 @@ namespace {
 
 std::vector<std::string> statementsOf(const rds::Variant& argument) {
     const auto* array = std::get_if<rds::VariantArray>(&argument);
-    if (array == nullptr || array->dimensions.size() > 1)
+    if (array == nullptr || array->isNull || array->dimensions.size() > 1 ||
+        array->elementType == rds::VarType::Empty || array->elementType == rds::VarType::Null)
         throw db::typeMismatch();
     std::vector<std::string> statements;
     std::int64_t index = array->dimensions.empty() ? 0 : array->dimensions.front().lowerBound;

@@ -10,21 +10,31 @@ namespace {
 
 constexpr long ObjectVariableNotSet = 91;
 
+/// The value of an argument that has come back. One that is not, or is no such value, keeps its
+/// own: the call has been made, and its result alone says how it went.
 std::string returned(const Variant& argument, const std::string& kept) {
-    return argument.isEmpty() ? kept : argument.toText();
+    if (argument.isEmpty())
+        return kept;
+    try {
+        return argument.toText();
+    } catch (const db::Error&) {
+        return kept;
+    }
 }
 
 std::vector<std::string> returned(const Variant& argument, const std::vector<std::string>& kept) {
-    if (argument.isEmpty())
-        return kept;
     const auto* array = std::get_if<VariantArray>(&argument);
-    if (array == nullptr)
-        throw db::typeMismatch();
-    std::vector<std::string> texts;
-    texts.reserve(array->elements.size());
-    for (const Variant& element : array->elements)
-        texts.push_back(element.toText());
-    return texts;
+    if (array == nullptr || array->isNull)
+        return kept;
+    try {
+        std::vector<std::string> texts;
+        texts.reserve(array->elements.size());
+        for (const Variant& element : array->elements)
+            texts.push_back(element.toText());
+        return texts;
+    } catch (const db::Error&) {
+        return kept;
+    }
 }
 
 bool toBoolean(const Variant& value) {

@@ -183,7 +183,10 @@ TEST_F(CallServerTest, TakesWhatOldObjectsReturnForABoolean) {
     for (std::string what : {"long", "empty"})
         EXPECT_FALSE(remote("odd.object").PUTSQL(statements, what, connection));
     statements = {"kept"};
-    for (const char* wrong : {"object", "procedure", "no array"}) {
+    std::string noArray = "no array";
+    EXPECT_TRUE(remote("odd.object").PUTSQL(statements, noArray, connection));
+    EXPECT_EQ(noArray + statements.front(), "no array!kept") << "the call has been made";
+    for (const char* wrong : {"object", "procedure"}) {
         std::string what = wrong;
         const auto call = [&] { remote("odd.object").PUTSQL(statements, what, connection); };
         EXPECT_EQ(tests::errorOf(call).Number(), 13) << wrong;
