@@ -31,12 +31,14 @@ std::string describe(const ScodeError& error) {
     return "The remote call failed (" + hex(error.scode) + ").";
 }
 
-/// The run-time error that a failed call raises: that of the object itself where the call only
-/// says that there was one.
-db::Error callFailed(const ScodeError& error) {
-    const bool wrapped = error.scode == scode::Exception && error.innerScode != 0;
-    const std::uint32_t code = wrapped ? error.innerScode : error.scode;
-    return {static_cast<long>(static_cast<std::int32_t>(code)), describe(error)};
+/// A run-time error's number in an HRESULT, and back: up to 65535 it is that of a control.
+constexpr std::uint32_t ControlFacility = 0x800A0000;
+
+long numberOf(std::uint32_t scode) {
+    if ((scode & 0xFFFF0000U) == ControlFacility)
+        return static_cast<long>(scode & 0xFFFFU);
+    return scode == 0 ? db::number::Unspecified
+                      : static_cast<long>(static_cast<std::int32_t>(scode));
 }
 
 ScodeError malformed(const std::string& why) {
@@ -58,6 +60,17 @@ void splitPath(std::string_view path, Call& call) {
 }
 
 } // namespace
+
+db::Error failureOf(const ScodeError& error) {
+    const bool wrapped = error.scode == scode::Exception && error.innerScode != 0;
+    const std::uint32_t code = wrapped ? error.innerScode : error.scode;
+    return {numberOf(code), describe(error)};
+}
+
+std::uint32_t scodeOf(long number) noexcept {
+    return number > 0 && number <= 0xFFFF ? ControlFacility | static_cast<std::uint32_t>(number)
+                                          : static_cast<std::uint32_t>(number);
+}
 
 CallError::CallError(ScodeError error)
     : std::runtime_error(describe(error)), error_(std::move(error)) {}
@@ -111,7 +124,7 @@ Call decodeCall(std::string_view path, std::string_view body) {
 
 Reply decodeReply(std::string_view body, std::size_t arguments) {
     if (isCallError(body))
-        throw callFailed(readCallError(body));
+        throw failureOf(readCallError(body));
     Message message = readMessage(body);
     if (message.argumentCount != arguments)
         throw badReply("it is for " + std::to_string(message.argumentCount) +
@@ -145,7 +158,7 @@ void writeReplyResult(const ByteSink& sink, const std::string& boundary, const V
 }
 
 void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows) {
-    writeReplyResult(sink, boundary, rows, rds::describe(rows.fields()));
+    writeReplyResult(sink, boundary, rows, describeResult(rows.fields()));
 }
 
 void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows,

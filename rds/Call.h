@@ -1,5 +1,6 @@
 #pragma once
 
+#include "db/Error.h"
 #include "rds/ByteWriter.h"
 #include "rds/Variant.h"
 #include "rds/tablegram/TablegramMetadata.h"
@@ -73,6 +74,14 @@ void writeReplyEnd(const ByteSink& sink, const std::string& boundary);
 
 /// The body of a whole-call error (MS-ADTG 2.2.2.2): no multipart, one error value.
 std::string encodeCallError(const ScodeError& error);
+
+/// A run-time error's number as the HRESULT that callers' run-time systems turn back into it: 3706
+/// is 0x800A0E7A (MS-ADTG example 4.2).
+std::uint32_t scodeOf(long number) noexcept;
+
+/// The run-time error that a failed call raises: that of the object itself where the call only says
+/// that there was one. Its number is never 0.
+db::Error failureOf(const ScodeError& error);
 
 /// A call that the server side refuses or fails, with what it sends back.
 class CallError : public std::runtime_error {

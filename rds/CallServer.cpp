@@ -18,7 +18,7 @@ constexpr std::size_t HeldBack = 64U << 10U;
 ScodeError failure(std::uint32_t scode, long number, std::string source, std::string description) {
     ScodeError error;
     error.scode = scode;
-    error.innerScode = static_cast<std::uint32_t>(number);
+    error.innerScode = scodeOf(number);
     error.source.text = std::move(source);
     error.description.text = std::move(description);
     return error;
@@ -41,7 +41,8 @@ std::string messageAcrossHeadAndBody(const HttpRequest& request) {
 /// Passes a body on in large pieces, the first one as late as possible.
 class HeldBackBody {
 public:
-    explicit HeldBackBody(HttpReply& reply) : reply_(reply) {}
+    /// @param sent counts the bytes.
+    HeldBackBody(HttpReply& reply, std::size_t& sent) : reply_(reply), sent_(sent) {}
 
     void append(std::string_view bytes) {
         held_ += bytes;
@@ -59,12 +60,11 @@ public:
     void replace(std::string body) { held_ = std::move(body); }
 
     bool begun() const noexcept { return begun_; }
-    std::size_t sent() const noexcept { return sent_; }
 
 private:
     HttpReply& reply_;
     std::string held_;
-    std::size_t sent_ = 0;
+    std::size_t& sent_;
     bool begun_ = false;
 };
 
@@ -173,7 +173,7 @@ void CallServer::handle(const HttpRequest& request, HttpReply& reply) const {
 }
 
 void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord& record) const {
-    HeldBackBody body(reply);
+    HeldBackBody body(reply, record.bytes);
     ScodeError error;
     try {
         const std::string across = messageAcrossHeadAndBody(request);
@@ -185,7 +185,6 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
         method.run(call.arguments, writer);
         writer.finish();
         body.flush();
-        record.bytes = body.sent();
         return;
     } catch (const CallError& refusal) {
         if (body.begun())
@@ -197,12 +196,10 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
         const db::Error exception = db::currentError();
         error = failure(scode::Exception, exception.Number(), record.target, exception.what());
     }
-    const auto number = error.scode == scode::Exception ? error.innerScode : error.scode;
-    record.error = "error " + std::to_string(static_cast<std::int32_t>(number)) + ": " +
+    record.error = "error " + std::to_string(failureOf(error).Number()) + ": " +
                    error.description.text.value_or("");
     body.replace(encodeCallError(error));
     body.flush();
-    record.bytes = body.sent();
 }
 
 const ServerObject::Method& CallServer::find(const Call& call) const {

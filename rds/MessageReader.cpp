@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <span>
 
 namespace quillet::rds {
 
@@ -78,12 +79,13 @@ std::optional<std::size_t> readPartHead(ByteReader& in) {
     return length;
 }
 
-/// Compares a Content-Length with the bytes that the values took.
-/// @param values how many there are, @param last of them.
-void checkLength(std::size_t length, std::size_t consumed, std::size_t values,
-                 const Variant* last) {
-    const bool isError = values == 1 && std::holds_alternative<ScodeError>(*last);
-    if (length != consumed && !(isError && length == format::CountedErrorBytes))
+/// Compares a Content-Length with the bytes that the values took. Servers leave out a part of what
+/// an error has, in a recorded reply all but its code, so where there is one it tells nothing.
+void checkLength(std::size_t length, std::size_t consumed, std::span<const Variant> values) {
+    const bool hasError = std::any_of(values.begin(), values.end(), [](const Variant& value) {
+        return std::holds_alternative<ScodeError>(value);
+    });
+    if (length != consumed && !hasError)
         throw badReply("a part of it has " + std::to_string(consumed) + " bytes instead of " +
                        std::to_string(length));
 }
@@ -96,14 +98,11 @@ bool isCallError(std::string_view body) noexcept {
 
 ScodeError readCallError(std::string_view body) {
     ByteReader in(body);
-    const std::optional<std::size_t> length = readPartHead(in);
-    const std::size_t start = in.position();
+    readPartHead(in); // its length tells nothing, see checkLength()
     const Variant value = VariantDecoder(in).next();
     const auto* error = std::get_if<ScodeError>(&value);
     if (error == nullptr)
         throw badReply("it is a single value, but no error");
-    if (length)
-        checkLength(*length, in.position() - start, 1, &value);
     return *error;
 }
 
@@ -140,8 +139,7 @@ Message readMessage(std::string_view body) {
         if (message.values.size() == before)
             throw badReply("a part of it is empty");
         if (length)
-            checkLength(*length, in.position() - start, message.values.size() - before,
-                        &message.values.back());
+            checkLength(*length, in.position() - start, std::span(message.values).subspan(before));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "db/Error.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -73,6 +74,8 @@ ColumnDescriptor describe(const db::Field& field) {
             column.precision = fixed->precision;
         if (column.scale == None)
             column.scale = fixed->scale;
+        if (field.Type == DataType::Numeric) // servers compute with more digits than it can say
+            column.precision = std::min<std::uint32_t>(column.precision, fixed->precision);
         return column;
     }
     const bool unlimited = field.DefinedSize == 0 || field.DefinedSize == NoLimit;
@@ -94,6 +97,15 @@ TablegramMetadata describe(const db::FieldList& fields) {
         cellLayout(metadata.columns.back()); // refuses types without a form
     }
     return metadata;
+}
+
+TablegramMetadata describeResult(db::FieldList fields) {
+    for (db::Field& field : fields) {
+        const bool isText = holdsCharacters(field.Type) || field.Type == DataType::Char;
+        if (isText && !field.fixedLength)
+            field.DefinedSize = field.DefinedSize > NoLimit / 2 ? NoLimit : 2 * field.DefinedSize;
+    }
+    return describe(fields);
 }
 
 CellLayout cellLayout(const ColumnDescriptor& column) {

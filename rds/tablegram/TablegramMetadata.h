@@ -69,6 +69,10 @@ struct TablegramMetadata {
 /// @throws db::Error `number::Unspecified` for a column whose type has no form on the wire.
 TablegramMetadata describe(const db::FieldList& fields);
 
+/// The same for a database's own fields. Its texts are declared with twice their size: it counts
+/// characters, of which each may be two bytes in the code page or two units in UTF-16.
+TablegramMetadata describeResult(db::FieldList fields);
+
 /// How the values of a column are laid out in a row.
 struct CellLayout {
     enum class Prefix : std::uint8_t { None, OneByte, FourBytes };

@@ -59,7 +59,7 @@ TEST_F(MariaDbTest, EveryColumnTypeSurvivesTheWire) {
         "C1 TINYINT?,C2 TINYINT UNSIGNED?,C3 SMALLINT?,C4 SMALLINT UNSIGNED?,C5 MEDIUMINT?,C6 INT?,"
         "C7 INT UNSIGNED?,C8 BIGINT?,C9 YEAR?,D1 FLOAT?,D2 DOUBLE?,D3 DECIMAL(12,2)?,"
         "D4 DECIMAL(30,0)?,D5 BIT(1)?,D6 DATE?,D7 DATETIME?,D8 DATETIME(3)?,D9 TIME?,E1 CHAR(20)?,"
-        "E2 VARCHAR(200)?,E3 TEXT?,E4 ENUM('예','아니오')?,E5 SET('a','b')?,E6 BINARY(4)?,"
+        "E2 VARCHAR(100)?,E3 TEXT?,E4 ENUM('예','아니오')?,E5 SET('a','b')?,E6 BINARY(4)?,"
         "E7 VARBINARY(300)?,E8 BLOB?";
     const std::string rows =
         "(-128,255,-32768,65535,-8388608,-2147483648,4294967295,-2147483648,1999,1.1,0.1,1500.00,"
@@ -67,8 +67,8 @@ TEST_F(MariaDbTest, EveryColumnTypeSurvivesTheWire) {
         "'2006-07-06 22:43:07.123','23:59:58','한글','똠방각하 café',REPEAT('가나다라', 5000),'예',"
         "'a,b',X'00FF0001',X'00',REPEAT(X'00FF', 3000)),"
         "(127,0,0,0,0,0,0,0,1999,-1e20,1e300,-0.05,0,0,'0000-00-00','0000-00-00 00:00:00',"
-        "'0000-00-00 00:00:00','00:00:00',' ',' x ','','아니오','','','',''),"
-        "(0,0,0,0,0,0,0,0,1999,0,0,0,0,0,'0000-00-00',0,0,0,'','',' ','예','','',' ',' ')";
+        "'0000-00-00 00:00:00','00:00:00',' ',REPEAT('😀',100),'','아니오','','','',''),"
+        "(0,0,0,0,0,0,0,0,1999,0,0,0,0,0,'0000-00-00',0,0,0,'',' x ',' ','예','','',' ',' ')";
     for (const std::string nullable : {" NULL", " NOT NULL"}) {
         const std::string table = nullable == " NULL" ? "T0" : "T1";
         headOffice_->sql("CREATE TABLE " + table + " (" +

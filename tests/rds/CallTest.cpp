@@ -180,10 +180,13 @@ TEST(Call, FailedCallsRaiseTheServersError) {
         return encodeCallError({outer, inner, BStr{"x"}, BStr{}, BStr{}});
     };
     const std::vector<Case> cases{
-        {vectors::providerErrorReply(), 0x800A0E7A,
+        {vectors::providerErrorReply(), 3706,
          "Provider cannot be found. It may not be properly installed."},
-        {vectors::objectErrorReply(), 0x800A0E7A, "실패"},
-        {vectors::objectErrorReply() + "foreign", 0x800A0E7A, "실패"},
+        {vectors::objectErrorReply(), 3706, "실패"},
+        {vectors::objectErrorReply() + "foreign", 3706, "실패"},
+        {replaced(vectors::objectErrorReply(), "Length: 6", "Length: 10"), 3706, "실패"},
+        {failed(0x80020009, 0x80040E37), 0x80040E37, "The remote call failed (0x80020009)."},
+        {failed(0, 0), 0x80004005, "The remote call failed (0x00000000)."},
         {failed(0x80070057, 5), 0x80070057, "The remote call failed (0x80070057)."},
         {failed(0x80020009, 0), 0x80020009, "The remote call failed (0x80020009)."},
         {failed(0x00000001, 0), 0x00000001, "The remote call failed (0x00000001)."},
