@@ -6,6 +6,7 @@
 
 #include <array>
 #include <bit>
+#include <cstdlib>
 
 namespace quillet::rds {
 
@@ -13,6 +14,9 @@ namespace {
 
 using db::DataType;
 using db::Value;
+
+/// Of a number with 128 bits: no scale beyond them says anything.
+constexpr int MaxDigits = 38;
 
 Value keep(const WideDecimal& number, db::Arena& arena) {
     std::array<char, WideDecimal::MaxText> text{};
@@ -52,15 +56,31 @@ Value numeric(ByteReader in, db::Arena& arena) {
     const std::string_view magnitude = in.rest();
     if (magnitude.size() > 16)
         throw badReply("a number has over 128 bits");
+    if (std::abs(number.scale) > MaxDigits)
+        throw badReply("a number has a scale over 38");
     for (std::size_t i = 0; i < magnitude.size(); ++i)
         number.limbs[i / 4] |= std::uint32_t{static_cast<unsigned char>(magnitude[i])}
                                << (i % 4 * 8);
     return keep(number, arena);
 }
 
+[[noreturn]] void failDate() {
+    throw badReply("a date or time does not exist");
+}
+
+/// @param read dateTimeOfOleDate or dateTimeOfFileTime.
+template <typename Number>
+Value moment(db::DateTime (*read)(Number), Number number) {
+    try {
+        return Value::dateTime(read(number));
+    } catch (const db::Error&) {
+        failDate();
+    }
+}
+
 std::uint8_t part(std::uint16_t value, unsigned last) {
     if (value > last)
-        throw badReply("a date or time does not exist");
+        failDate();
     return static_cast<std::uint8_t>(value);
 }
 
@@ -94,7 +114,7 @@ Value dbTimeStamp(ByteReader& in) {
     readTime(in, value);
     value.nanosecond = in.u32();
     if (value.nanosecond > 999'999'999)
-        throw badReply("a date or time does not exist");
+        failDate();
     return Value::dateTime(value);
 }
 
@@ -124,7 +144,7 @@ Value variant(ByteReader in, db::Arena& arena) {
     case static_cast<std::uint16_t>(DataType::Currency):
         return currency(in.i64(), arena);
     case static_cast<std::uint16_t>(DataType::Date):
-        return Value::dateTime(dateTimeOfOleDate(in.r8()));
+        return moment(dateTimeOfOleDate, in.r8());
     case static_cast<std::uint16_t>(DataType::Boolean):
         return Value::boolean(in.u16() != 0);
     case static_cast<std::uint16_t>(DataType::TinyInt):
@@ -218,7 +238,7 @@ Value CellDecoder::decode(ByteReader& in, const CodePage& codePage, db::Arena& a
     case DataType::Currency:
         return currency(in.i64(), arena);
     case DataType::Date:
-        return Value::dateTime(dateTimeOfOleDate(in.r8()));
+        return moment(dateTimeOfOleDate, in.r8());
     case DataType::Boolean:
         return Value::boolean(in.u16() != 0);
     case DataType::Variant:
@@ -239,7 +259,7 @@ Value CellDecoder::decode(ByteReader& in, const CodePage& codePage, db::Arena& a
     case DataType::UnsignedBigInt:
         return Value::unsignedInteger(in.u64());
     case DataType::FileTime:
-        return Value::dateTime(dateTimeOfFileTime(in.u64()));
+        return moment(dateTimeOfFileTime, in.u64());
     case DataType::Guid:
         return Value::guid(arena.copy(in.bytes(layout_.size)));
     case DataType::Numeric:

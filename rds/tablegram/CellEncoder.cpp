@@ -163,9 +163,14 @@ void writeTime(const db::DateTime& value, ByteWriter& out) {
     out.u16(value.second);
 }
 
+/// Zero has no sign.
+bool isNegative(const WideDecimal& number) noexcept {
+    return number.negative && !number.isZero();
+}
+
 void writeDecimal(const WideDecimal& number, ByteWriter& out) {
     out.u8(static_cast<std::uint8_t>(number.scale));
-    out.u8(number.negative ? 0x80 : 0x00);
+    out.u8(isNegative(number) ? 0x80 : 0x00);
     out.u32(number.limbs[2]);
     out.u32(number.limbs[0]);
     out.u32(number.limbs[1]);
@@ -302,7 +307,7 @@ void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     }
     out.u8(precision_);
     out.u8(static_cast<std::uint8_t>(number.scale));
-    out.u8(number.negative ? 0 : 1);
+    out.u8(isNegative(number) ? 0 : 1);
     out.bytes(magnitude);
 }
 

@@ -54,7 +54,8 @@ std::int64_t nanosecondsOf(const db::DateTime& value) {
 db::DateTime dateTimeOfOleDate(double value) {
     constexpr double First = -657434;  // 0100-01-01
     constexpr double Behind = 2958466; // 10000-01-01
-    if (!(value > First - 1 && value < Behind))
+    // Until half a millisecond before, beyond which it would be rounded to that day.
+    if (!(value > First - 1 && value < Behind - 0.5 / 86'400'000))
         failOverflow();
     constexpr std::int64_t MillisecondsPerDay = 86'400'000;
     double whole = 0;
@@ -69,9 +70,12 @@ db::DateTime dateTimeOfOleDate(double value) {
 }
 
 double oleDateOf(const db::DateTime& value) {
-    const double whole = static_cast<double>((dayOf(value) - OleEpoch).count());
-    const double fraction =
-        static_cast<double>(nanosecondsOf(value)) / static_cast<double>(NanosecondsPerDay);
+    // A leap second ends in the next day.
+    const std::int64_t nanoseconds = nanosecondsOf(value);
+    const double whole =
+        static_cast<double>((dayOf(value) - OleEpoch).count() + nanoseconds / NanosecondsPerDay);
+    const double fraction = static_cast<double>(nanoseconds % NanosecondsPerDay) /
+                            static_cast<double>(NanosecondsPerDay);
     return whole < 0 ? whole - fraction : whole + fraction;
 }
 

@@ -16,6 +16,9 @@ namespace {
 /// More than any database has; keeps the memory of a row in proportion to its bytes.
 constexpr std::size_t MaxColumns = 4096;
 
+/// Bytes of a column descriptor that has no optional part.
+constexpr std::size_t SmallestColumn = 28;
+
 std::string hex(unsigned value) {
     std::array<char, 12> text{};
     std::snprintf(text.data(), text.size(), "0x%02X", value);
@@ -148,6 +151,7 @@ public:
     Rows(const std::vector<ColumnDescriptor>& columns, unsigned codePage)
         : recordset_(visibleFields(columns)), codePage_(codePage), row_(columns.size()),
           visibleCells_(recordset_.Fields().size()), mapSize_((columns.size() + 7) / 8) {
+        columns_.reserve(columns.size());
         for (const ColumnDescriptor& column : columns) {
             columns_.push_back({CellDecoder(column), column.isNullable(), column.visible});
             nullableColumns_ += column.isNullable() ? 1 : 0;
@@ -208,6 +212,7 @@ private:
 
     static db::FieldList visibleFields(const std::vector<ColumnDescriptor>& columns) {
         db::FieldList fields;
+        fields.reserve(columns.size());
         for (const ColumnDescriptor& column : columns) {
             if (column.visible)
                 fields.push_back(fieldOf(column));
@@ -271,12 +276,14 @@ db::Recordset readTablegram(ByteReader& in, unsigned codePage) {
     for (std::size_t i = 0; i < counts.tables; ++i)
         block(in, token::TableDescriptor);
     std::vector<ColumnDescriptor> columns;
+    columns.reserve(std::min(counts.columns, in.remaining() / SmallestColumn));
     for (std::size_t i = 0; i < counts.columns; ++i)
         columns.push_back(readColumn(block(in, token::ColumnDescriptor)));
 
     db::Recordset recordset = Rows(columns, codePage).read(in);
     const auto rows = static_cast<std::uint32_t>(recordset.RecordCount());
-    if (counts.rows != 0 && counts.rows != rows)
+    // More may have come: a server that fetches in the background counts what it has by then.
+    if (rows < counts.rows)
         throw badReply("its recordset has " + std::to_string(rows) + " rows instead of " +
                        std::to_string(counts.rows));
     if (rows > 0)
