@@ -15,9 +15,6 @@ namespace {
 using db::DataType;
 using db::Value;
 
-/// Of a number with 128 bits: no scale beyond them says anything.
-constexpr int MaxDigits = 38;
-
 Value keep(const WideDecimal& number, db::Arena& arena) {
     std::array<char, WideDecimal::MaxText> text{};
     const std::size_t size = number.format(text.data());
@@ -56,7 +53,7 @@ Value numeric(ByteReader in, db::Arena& arena) {
     const std::string_view magnitude = in.rest();
     if (magnitude.size() > 16)
         throw badReply("a number has over 128 bits");
-    if (std::abs(number.scale) > MaxDigits)
+    if (std::abs(number.scale) > WideDecimal::MaxScale)
         throw badReply("a number has a scale over 38");
     for (std::size_t i = 0; i < magnitude.size(); ++i)
         number.limbs[i / 4] |= std::uint32_t{static_cast<unsigned char>(magnitude[i])}

@@ -4,6 +4,7 @@
 #include "rds/tablegram/OleDate.h"
 #include "rds/tablegram/WideDecimal.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -296,7 +297,7 @@ void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     // Every value tells its own scale: one that has no room for all the column's decimals does
     // not need them.
     if (scale_ >= 0)
-        number.tryRescale(scale_);
+        number.tryRescale(std::min(scale_, WideDecimal::MaxScale));
     std::array<char, 16> room{};
     std::string_view magnitude = magnitudeBytes(number, room);
     if (type_ == DataType::VarNumeric) {

@@ -70,7 +70,6 @@ std::size_t writeDigits(Limbs limbs, char* out) {
 } // namespace
 
 WideDecimal WideDecimal::parse(std::string_view text) {
-    constexpr int MaxScale = 38;
     text = db::trimmed(text);
 
     WideDecimal result;

@@ -12,6 +12,10 @@ namespace quillet::rds {
 struct WideDecimal {
     static constexpr std::size_t MaxText = 192; ///< characters that format() may write
 
+    /// Digits of the largest number: a scale beyond them, either way, says nothing. Numbers of the
+    /// wire are held to it on reading and writing.
+    static constexpr int MaxScale = 38;
+
     std::array<std::uint32_t, 4> limbs{}; ///< the magnitude, least significant first
     int scale = 0;                        ///< -128 to 127; the value is magnitude / 10^scale
     bool negative = false;

@@ -240,6 +240,10 @@ TEST(Tablegram, ValuesAreConvertedToTheirColumnOrRefused) {
     EXPECT_EQ(hex(cell(column(DataType::Numeric, 19, Fixed, 9, 2), Value::decimal("-0.004"))),
               "09020100000000000000000000000000000000")
         << "zero has no sign";
+    const Value tiny = Value::decimal("0.00000000000000000000000000000000000001");
+    EXPECT_EQ(hex(cell(column(DataType::Numeric, 19, Fixed, 9, 90), tiny)),
+              "09260101000000000000000000000000000000")
+        << "more decimals than a reader takes";
     EXPECT_EQ(hex(cell(column(DataType::Variant, 16, Fixed), Value::single(0.1F))),
               "0400000000000000CDCCCC3D00000000")
         << "as a double it would read as 0.10000000149011612";
