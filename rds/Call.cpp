@@ -35,8 +35,8 @@ std::string describe(const ScodeError& error) {
 constexpr std::uint32_t ControlFacility = 0x800A0000;
 
 long numberOf(std::uint32_t scode) {
-    if ((scode & 0xFFFF0000U) == ControlFacility)
-        return static_cast<long>(scode & 0xFFFFU);
+    if (scode > ControlFacility && scode - ControlFacility <= 0xFFFF)
+        return static_cast<long>(scode - ControlFacility);
     return scode == 0 ? db::number::Unspecified
                       : static_cast<long>(static_cast<std::int32_t>(scode));
 }

@@ -186,6 +186,7 @@ TEST(Call, FailedCallsRaiseTheServersError) {
         {vectors::objectErrorReply() + "foreign", 3706, "실패"},
         {replaced(vectors::objectErrorReply(), "Length: 6", "Length: 10"), 3706, "실패"},
         {failed(0x80020009, 0x80040E37), 0x80040E37, "The remote call failed (0x80020009)."},
+        {failed(0x80020009, 0x800A0000), 0x800A0000, "The remote call failed (0x80020009)."},
         {failed(0, 0), 0x80004005, "The remote call failed (0x00000000)."},
         {failed(0x80070057, 5), 0x80070057, "The remote call failed (0x80070057)."},
         {failed(0x80020009, 0), 0x80020009, "The remote call failed (0x80020009)."},
