@@ -1,5 +1,6 @@
 #include "rds/Call.h"
 
+#include "rds/MessageReader.h"
 #include "tests/rds/Vectors.h"
 #include "tests/support/Errors.h"
 #include "tests/support/Hex.h"
@@ -171,6 +172,8 @@ TEST(Call, FailedCallsRaiseTheServersError) {
     EXPECT_EQ(hex(encodeCallError(
                   {scode::Exception, 0x800A0E7A, BStr{"some.object"}, BStr{"실패"}, BStr{}})),
               hex(vectors::objectErrorReply()));
+    const std::string recorded = vectors::providerErrorReply();
+    EXPECT_EQ(hex(encodeCallError(readCallError(recorded))), hex(recorded));
     struct Case {
         std::string body;
         std::uint32_t number;
