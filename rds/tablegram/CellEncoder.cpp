@@ -164,14 +164,9 @@ void writeTime(const db::DateTime& value, ByteWriter& out) {
     out.u16(value.second);
 }
 
-/// Zero has no sign.
-bool isNegative(const WideDecimal& number) noexcept {
-    return number.negative && !number.isZero();
-}
-
 void writeDecimal(const WideDecimal& number, ByteWriter& out) {
     out.u8(static_cast<std::uint8_t>(number.scale));
-    out.u8(isNegative(number) ? 0x80 : 0x00);
+    out.u8(number.isNegative() ? 0x80 : 0x00);
     out.u32(number.limbs[2]);
     out.u32(number.limbs[0]);
     out.u32(number.limbs[1]);
@@ -271,7 +266,7 @@ void CellEncoder::integer(const Value& value, ByteWriter& out) const {
     const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
     const std::uint64_t magnitude = number.low64();
     const std::uint64_t limit = isUnsigned ? mask : (mask >> 1U) + (number.negative ? 1 : 0);
-    if (!number.fits64() || magnitude > limit || (isUnsigned && number.negative && magnitude > 0))
+    if (!number.fits64() || magnitude > limit || (isUnsigned && number.isNegative()))
         failOverflow();
     const std::uint64_t result = number.negative ? std::uint64_t{0} - magnitude : magnitude;
     for (unsigned shift = 0; shift < bits; shift += 8)
@@ -308,7 +303,7 @@ void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     }
     out.u8(precision_);
     out.u8(static_cast<std::uint8_t>(number.scale));
-    out.u8(isNegative(number) ? 0 : 1);
+    out.u8(number.isNegative() ? 0 : 1);
     out.bytes(magnitude);
 }
 

@@ -34,6 +34,7 @@ struct WideDecimal {
     bool tryRescale(int newScale) noexcept;
 
     bool isZero() const noexcept;
+    bool isNegative() const noexcept { return negative && !isZero(); } ///< zero has no sign
     std::uint64_t low64() const noexcept { return limbs[0] | std::uint64_t{limbs[1]} << 32U; }
     bool fits64() const noexcept { return limbs[2] == 0 && limbs[3] == 0; }
 

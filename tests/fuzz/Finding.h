@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rds/VariantCodec.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -16,6 +18,9 @@ public:
 
     /// Whatever the input: converters take 32 KiB each, an error's text a little.
     static constexpr std::size_t Base = std::size_t{128} << 10U;
+
+    /// What the free number of a call's values may take besides.
+    static constexpr std::size_t OfValues = rds::VariantDecoder::FreeValues * sizeof(rds::Variant);
 
     /// @param more what is allowed besides, in bytes.
     explicit MemoryBound(std::size_t inputSize, std::size_t more = 0) noexcept;

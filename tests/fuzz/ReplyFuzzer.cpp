@@ -16,12 +16,10 @@ namespace {
 
 using namespace quillet;
 
-constexpr std::size_t ValuesBound = rds::VariantDecoder::FreeValues * sizeof(rds::Variant);
-
 /// All that a reply says, as comparable bytes.
 std::optional<std::string> contentOf(std::string_view body, std::size_t arguments) {
     const auto decoded = [&] {
-        const fuzz::MemoryBound bound(body.size(), ValuesBound);
+        const fuzz::MemoryBound bound(body.size(), fuzz::MemoryBound::OfValues);
         return rds::decodeReply(body, arguments);
     };
     try {

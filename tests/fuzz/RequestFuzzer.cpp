@@ -17,11 +17,9 @@ namespace {
 
 using namespace quillet;
 
-constexpr std::size_t ValuesBound = rds::VariantDecoder::FreeValues * sizeof(rds::Variant);
-
 std::optional<rds::Call> read(std::string_view path, std::string_view body) {
     try {
-        const fuzz::MemoryBound bound(path.size() + body.size(), ValuesBound);
+        const fuzz::MemoryBound bound(path.size() + body.size(), fuzz::MemoryBound::OfValues);
         return rds::decodeCall(path, body);
     } catch (const rds::CallError&) {
         return std::nullopt;
