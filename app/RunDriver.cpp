@@ -150,8 +150,10 @@ RunDriver::Result RunDriver::execute() {
     view_.Label3(0).SetCaption(std::to_string(run_.RowTotal));
     view_.PBar1(0).SetMin(0);
     view_.PBar1(0).SetMax(run_.RowTotal);
+    run_.observer().batchBegins(run_.statements);
     run_.store().PUT_DATA(run_.statements, 1, view_.PBar1(0), view_.PBar1(1), view_.Label3(1),
                           view_.Label3(3), view_.Label3(2), view_.groupText(), run_.groupCounts);
+    run_.observer().batchEnded();
     view_.setHourglass(false);
     if (run_.store().Status() != 1) {
         view_.PBar1(0).SetValue(0);

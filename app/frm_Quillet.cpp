@@ -79,7 +79,8 @@ bool frm_Quillet::startUp() {
         return false;
     run_ = std::make_unique<sync::Run>(
         *db::DB_Control::StoreConnection, surroundings_.settings,
-        db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock);
+        db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock,
+        surroundings_.observer);
     readHeadOffice();
     QCoreApplication::processEvents(); // so that the window paints
     if (run_ == nullptr)
@@ -105,8 +106,7 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
             db::DailyLog(surroundings_.programFolder, surroundings_.clock), [this] {
                 controls_.display.yield();
-                if (surroundings_.afterStatement)
-                    surroundings_.afterStatement();
+                run_->observer().statementDone();
             });
         db::DB_Control::StoreConnection->DBOpen(storeConnectionString(folder));
         // A failed open deliberately counts as opened: the run then fails on its first store

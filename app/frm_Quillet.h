@@ -10,7 +10,6 @@
 #include <QWidget>
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -22,7 +21,7 @@ struct WindowSurroundings {
     std::filesystem::path programFolder; ///< holds the logs and, by default, `food.MDB`
     std::string version;                 ///< major.minor.revision
     db::Clock clock = db::localNow;
-    std::function<void()> afterStatement; ///< called at each yield of a batch; may be empty
+    sync::RunObserver* observer = nullptr; ///< may be absent
 };
 
 /// The main window: brings itself up, opens the store, and receives at its first activation as if

@@ -12,12 +12,16 @@ namespace {
 
 /// A pause after every statement, for demonstrations: a small receive is over before anyone has
 /// looked. Milliseconds, from the environment; none by default.
-std::function<void()> pauseForDemonstration() {
-    const int milliseconds = qEnvironmentVariableIntValue("QUILLET_DEMO_PAUSE");
-    if (milliseconds <= 0)
-        return {};
-    return [milliseconds] { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); };
-}
+class DemonstrationPause : public quillet::sync::RunObserver {
+public:
+    void statementDone() override {
+        if (pause_.count() > 0)
+            std::this_thread::sleep_for(pause_);
+    }
+
+private:
+    const std::chrono::milliseconds pause_{qEnvironmentVariableIntValue("QUILLET_DEMO_PAUSE")};
+};
 
 } // namespace
 
@@ -31,9 +35,10 @@ int main(int argc, char* argv[]) {
     QApplication::setFont(font);
 
     const auto settings = quillet::app::openUserSettings();
+    DemonstrationPause pause;
     quillet::app::frm_Quillet window(
         {*settings, quillet::db::pathOf(QCoreApplication::applicationDirPath().toStdString()),
-         QUILLET_VERSION, quillet::db::localNow, pauseForDemonstration()});
+         QUILLET_VERSION, quillet::db::localNow, &pause});
     window.show();
     return QApplication::exec();
 }

@@ -10,9 +10,10 @@ constexpr const char* CommandObjectName = "quorin.demon";
 
 } // namespace
 
-Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, db::Clock clock)
+Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, db::Clock clock,
+         RunObserver* observer)
     : store_(store), settings_(settings), downloadLog_(std::move(downloadLog)),
-      clock_(std::move(clock)) {}
+      clock_(std::move(clock)), observer_(observer != nullptr ? observer : &nobody_) {}
 
 rds::RemoteObject Run::createObject(const std::string& progId) {
     if (!DataSpace)
@@ -21,11 +22,14 @@ rds::RemoteObject Run::createObject(const std::string& progId) {
 }
 
 db::Recordset Run::queryServer(std::string ServerSql) {
+    observer_->queryBegins(ServerSql);
     rds::RemoteObject RemoteObj = createObject(headOffice.remoteObjectName);
     rds::Variant unread;
     // By reference like the query, but a copy: what one call returns must not steer the next.
     std::string connectionString = headOffice.connectionString;
-    return RemoteObj.Getsql(ServerSql, 0, 1, unread, connectionString);
+    db::Recordset rows = RemoteObj.Getsql(ServerSql, 0, 1, unread, connectionString);
+    observer_->queryEnded();
+    return rows;
 }
 
 bool Run::executeOnServer(db::StatementArray serverStatements) {

@@ -5,6 +5,7 @@
 #include "db/Recordset.h"
 #include "db/VelkDBPro.h"
 #include "rds/DataSpace.h"
+#include "sync/RunObserver.h"
 #include "sync/Settings.h"
 
 #include <array>
@@ -34,8 +35,9 @@ struct HeadOffice {
 /// stamps were. The window owns it; the driver empties and consumes it.
 class Run {
 public:
+    /// @param observer outlives the run; null: nobody watches.
     Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog,
-        db::Clock clock = db::localNow);
+        db::Clock clock = db::localNow, RunObserver* observer = nullptr);
 
     HeadOffice headOffice;
 
@@ -88,6 +90,7 @@ public:
 
     db::VelkDBPro& store() noexcept { return store_; }
     Settings& settings() noexcept { return settings_; }
+    RunObserver& observer() noexcept { return *observer_; }
     db::DateTime now() const { return clock_(); }
 
 private:
@@ -97,6 +100,8 @@ private:
     Settings& settings_;
     db::DownloadLog downloadLog_;
     db::Clock clock_;
+    RunObserver nobody_;
+    RunObserver* observer_;
     std::optional<rds::DataSpace> DataSpace; ///< created on first use
 };
 

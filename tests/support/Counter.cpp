@@ -56,7 +56,7 @@ void Counter::use(const TestHeadOffice& headOffice) {
 void Counter::open() {
     window.reset();
     window = std::make_unique<app::frm_Quillet>(
-        app::WindowSurroundings{settings, folder.path(), "1.0.0", db::localNow, afterStatement});
+        app::WindowSurroundings{settings, folder.path(), "1.0.0", db::localNow, this});
     window->show();
 }
 

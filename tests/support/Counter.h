@@ -17,10 +17,10 @@ class TestHeadOffice;
 
 /// A counter of a test's own: a program folder with an empty store, a settings file, and the real
 /// window on them.
-class Counter {
+class Counter : private sync::RunObserver {
 public:
     Counter();
-    ~Counter();
+    ~Counter() override;
 
     /// Points the settings at a head office.
     void use(const TestHeadOffice& headOffice);
@@ -60,6 +60,11 @@ public:
     std::function<void()> afterStatement;
 
 private:
+    void statementDone() override {
+        if (afterStatement)
+            afterStatement();
+    }
+
     template <typename Widget>
     Widget& widget(const char* name) const;
 };
