@@ -1,0 +1,59 @@
+#include "bench/receive/Counter.h"
+#include "bench/receive/HeadOfficeProcess.h"
+#include "bench/receive/Measurements.h"
+#include "bench/receive/Stopwatch.h"
+
+#include <deque>
+#include <iostream>
+
+namespace quillet::bench {
+
+namespace {
+
+/// Seconds that counters take which receive at the same time, each into an empty store.
+double receiveTogether(std::deque<Counter>& counters, const std::filesystem::path& emptyStore) {
+    std::deque<QProcess> processes(counters.size());
+    for (Counter& counter : counters)
+        counter.useStore(emptyStore);
+    const Stopwatch stopwatch;
+    for (std::size_t i = 0; i < counters.size(); ++i)
+        counters[i].start(processes[i]);
+    for (QProcess& process : processes)
+        process.waitForFinished(-1);
+    const double seconds = stopwatch.seconds();
+    for (std::size_t i = 0; i < counters.size(); ++i)
+        counters[i].requireSuccess(processes[i]);
+    return seconds;
+}
+
+} // namespace
+
+void measureCounters(Report& report, const Site& site, const Chain& chain, int counters,
+                     int rounds) {
+    const HeadOfficeProcess headOffice(site);
+    const tests::TempFolder folder;
+    const std::filesystem::path emptyStore = folder / "empty.MDB";
+    std::deque<Counter> one;
+    std::deque<Counter> many;
+    one.emplace_back(site, headOffice.address(), chain.database);
+    std::filesystem::copy_file(one.front().store(), emptyStore);
+    for (int i = 0; i < counters; ++i)
+        many.emplace_back(site, headOffice.address(), chain.database);
+    receiveTogether(one, emptyStore); // warms up
+
+    Figure throughput{std::to_string(counters) + " counters at once / one: receives per second",
+                      "",
+                      {},
+                      1.5,
+                      Figure::Goal::AtLeast};
+    for (int round = 1; round <= rounds; ++round) {
+        std::cerr << counters << " counters: round " << round << " of " << rounds << std::endl;
+        const double alone = (receiveTogether(one, emptyStore) + receiveTogether(one, emptyStore) +
+                              receiveTogether(one, emptyStore)) /
+                             3;
+        throughput.samples.push_back(counters * alone / receiveTogether(many, emptyStore));
+    }
+    report.add(std::move(throughput));
+}
+
+} // namespace quillet::bench

@@ -1,0 +1,80 @@
+#include "bench/receive/Measurements.h"
+#include "bench/receive/Stopwatch.h"
+#include "db/AsciiText.h"
+#include "db/Recordset.h"
+
+#include <iostream>
+#include <stdexcept>
+
+namespace quillet::bench {
+
+namespace {
+
+constexpr int Scans = 300; // of how many keys; a scan of all would take minutes
+
+std::string key(int row) {
+    std::string digits = std::to_string(row);
+    return "Kd" + std::string(8 - digits.size(), '0') + digits;
+}
+
+/// A store table's keys, each twice in a row, under the rule of the store's codes.
+db::Recordset keys(int rows) {
+    db::Field field;
+    field.Name = "CODE";
+    field.Type = db::DataType::WChar;
+    field.comparison = db::TextComparison::NoCase;
+    db::Recordset result(db::FieldList{field});
+    for (int row = 0; row < rows; ++row) {
+        const db::Value cell = db::Value::text(result.arena().copy(key(row / 2)));
+        result.addRow(std::array{cell});
+    }
+    return result;
+}
+
+/// What Find stands for.
+void scan(db::Recordset& rows, const std::string& text) {
+    for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext())
+        if (db::equalIgnoringCase(rows.Item(0).bytes(), text))
+            return;
+}
+
+const char* found(const db::Recordset& rows) {
+    return rows.Eof() ? nullptr : rows.Item(0).bytes().data(); // tells rows of equal keys apart
+}
+
+} // namespace
+
+void measureFind(Report& report, int rows) {
+    std::cerr << "Find" << std::endl;
+    db::Recordset indexed = keys(rows);
+    db::Recordset scanned = keys(rows);
+    const Stopwatch finding;
+    std::vector<const char*> answers;
+    const auto find = [&](const std::string& text) {
+        indexed.MoveFirst();
+        indexed.Find("CODE = '" + text + "'");
+    };
+    for (int row = 0; row < rows; ++row)
+        find(key(row / 2));
+    const double perFind = finding.seconds() / rows; // with the making of the index
+
+    double seconds = 0;
+    for (int i = 0; i < Scans; ++i) {
+        // Spread over all rows and beyond, in the letter case of the head office.
+        const std::string text = db::upperCase(key(i * (rows / 2 + 100) / Scans));
+        const Stopwatch scanning;
+        scan(scanned, text);
+        seconds += scanning.seconds();
+        find(text);
+        const char* const answer = found(indexed);
+        const char* const expected = found(scanned);
+        if ((answer == nullptr) != (expected == nullptr) ||
+            (answer != nullptr && std::string_view(answer, 10) != std::string_view(expected, 10)))
+            throw std::runtime_error("Find and a scan disagree on " + text);
+    }
+    report.add({"a scan / Find, " + std::to_string(rows) + " rows, index made once",
+                "",
+                {seconds / Scans / perFind}});
+}
+
+} // namespace quillet::bench

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "bench/receive/Report.h"
+#include "bench/receive/Site.h"
+
+#include <string>
+
+namespace quillet::bench {
+
+/// A generated chain in a database of its own.
+struct Chain {
+    std::string database;
+    int members = 0; ///< rows of 40 columns that a first receive asks for
+};
+
+/// The whole way, in alternating rounds: a first receive and a full update of the large chain
+/// against their floors, and against the small chain's.
+void measureReceives(Report& report, const Site& site, const Chain& large, const Chain& small,
+                     int rounds);
+
+/// Memory of the head office's server for one reply with every member twice.
+void measureReply(Report& report, const Site& site, const Chain& chain);
+
+/// Counters that receive at the same time from one server, against one that is alone.
+void measureCounters(Report& report, const Site& site, const Chain& chain, int counters,
+                     int rounds);
+
+/// `Find` against a scan, on a recordset of keys.
+void measureFind(Report& report, int rows);
+
+/// From the start of the process to the first painted window.
+void measureStart(Report& report, const Site& site, const Chain& chain, int rounds);
+
+} // namespace quillet::bench
