@@ -61,7 +61,7 @@ void asInteger(OdbcColumn& column, DataType signedType, DataType unsignedType, b
 /// Texts and bytes do not count as of fixed length even where the column is: drivers deliver them
 /// without their padding, and a padded one could not be told from one that ends in blanks.
 void asVariable(OdbcColumn& column, DataType type, const Description& described,
-                SQLLEN octetLength) {
+                SQLLEN octetLength, OdbcTexts texts) {
     column.field.Type = type;
     const bool bytes = type == DataType::Binary;
     const bool limited = described.size > 0 && described.size < NoLimit / 2;
@@ -69,10 +69,13 @@ void asVariable(OdbcColumn& column, DataType type, const Description& described,
     if (type == DataType::Char && limited && octetLength > 0)
         column.field.DefinedSize =
             std::max(column.field.DefinedSize, static_cast<std::uint32_t>(octetLength));
-    column.cType = bytes ? SQL_C_BINARY : SQL_C_WCHAR;
+    const bool narrow = texts == OdbcTexts::Utf8;
+    column.cType = bytes ? SQL_C_BINARY : narrow ? SQL_C_CHAR : SQL_C_WCHAR;
     if (!limited || described.size > LongestBound)
         return;
-    column.cellSize = bytes ? described.size : odbcWideCellSize(described.size);
+    column.cellSize = bytes    ? described.size
+                      : narrow ? odbcUtf8CellSize(described.size)
+                               : odbcWideCellSize(described.size);
 }
 
 void setNumeric(OdbcColumn& column, const Description& described) {
@@ -93,7 +96,8 @@ void setTimestamp(OdbcColumn& column, const Description& described) {
     column.field.NumericScale = static_cast<std::uint8_t>(digits);
 }
 
-void setType(OdbcColumn& column, const Description& described, SQLLEN octetLength) {
+void setType(OdbcColumn& column, const Description& described, SQLLEN octetLength,
+             OdbcTexts texts) {
     switch (described.sqlType) {
     case SQL_BIT:
         return asFixed(column, DataType::Boolean, 2, 0xFF, SQL_C_BIT, 1);
@@ -130,18 +134,18 @@ void setType(OdbcColumn& column, const Description& described, SQLLEN octetLengt
         [[fallthrough]];
     case SQL_BINARY:
     case SQL_VARBINARY:
-        return asVariable(column, DataType::Binary, described, octetLength);
+        return asVariable(column, DataType::Binary, described, octetLength, texts);
     case SQL_LONGVARCHAR:
         column.field.longValue = true;
         [[fallthrough]];
     case SQL_CHAR:
     case SQL_VARCHAR:
-        return asVariable(column, DataType::Char, described, octetLength);
+        return asVariable(column, DataType::Char, described, octetLength, texts);
     case SQL_WLONGVARCHAR:
         column.field.longValue = true;
         [[fallthrough]];
     default: // SQL_WCHAR and SQL_WVARCHAR; a type unknown here reads as text
-        return asVariable(column, DataType::WChar, described, octetLength);
+        return asVariable(column, DataType::WChar, described, octetLength, texts);
     }
 }
 
@@ -174,7 +178,7 @@ Value decimalOf(std::string_view text, char* room) {
 
 } // namespace
 
-OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number) {
+OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number, OdbcTexts texts) {
     OdbcColumn column;
     Description described;
     std::array<SQLWCHAR, 512> name{};
@@ -186,11 +190,27 @@ OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number) 
     described.isUnsigned = numericAttribute(statement, number, SQL_DESC_UNSIGNED) == SQL_TRUE;
     column.field.Name = utf8OfOdbc(name.data(), name.size(), nameLength);
     column.field.nullable = nullable != SQL_NO_NULLS;
-    setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH));
+    setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH),
+            texts);
     // A zero date reads as Null even where the column allows none.
     if (column.cType == SQL_C_TYPE_DATE || column.cType == SQL_C_TYPE_TIMESTAMP)
         column.field.nullable = true;
     return column;
+}
+
+bool deliversUtf8(SQLHDBC connection) {
+    // One character of each length that UTF-8 has.
+    constexpr std::string_view Probe = "e\u00E9\uD55C\U0001F600";
+    const OdbcHandle statement(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection);
+    OdbcText query("SELECT '" + std::string(Probe) + "'");
+    std::array<char, 64> cell{};
+    SQLLEN length = 0;
+    return SQL_SUCCEEDED(SQLExecDirectW(statement.get(), query.data(), SQL_NTS)) &&
+           SQL_SUCCEEDED(SQLFetch(statement.get())) &&
+           SQL_SUCCEEDED(SQLGetData(statement.get(), 1, SQL_C_CHAR, cell.data(),
+                                    static_cast<SQLLEN>(cell.size()), &length)) &&
+           length == static_cast<SQLLEN>(Probe.size()) &&
+           std::string_view(cell.data(), Probe.size()) == Probe;
 }
 
 Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
@@ -210,7 +230,7 @@ Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
     case SQL_C_DOUBLE:
         return Value::real(read<double>(cell));
     case SQL_C_CHAR:
-        return decimalOf(cell, room);
+        return column.field.Type == DataType::Numeric ? decimalOf(cell, room) : Value::text(cell);
     case SQL_C_TYPE_DATE: {
         const auto raw = read<SQL_DATE_STRUCT>(cell);
         const DateTime date = dateOf(raw.year, raw.month, raw.day);

@@ -45,30 +45,39 @@ void executeOdbc(const OdbcHandle& statement, const std::string& text) {
     statement.check(result);
 }
 
-OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source)
+OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts)
     : statement_(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection) {
     executeOdbc(statement_, source);
     SQLSMALLINT count = 0;
     statement_.check(SQLNumResultCols(statement_.get(), &count));
-    std::size_t rowSize = 0;
-    inBlocks_ = count > 0;
     atEnd_ = count <= 0;
     for (SQLUSMALLINT number = 1; number <= count; ++number) {
-        columns_.push_back(describeOdbcColumn(statement_, number));
+        columns_.push_back(describeOdbcColumn(statement_, number, texts));
         fields_.push_back(columns_.back().field);
-        rowSize += columns_.back().cellSize;
-        inBlocks_ = inBlocks_ && columns_.back().cellSize != 0;
     }
     buffers_.resize(columns_.size());
-    if (inBlocks_)
-        bindBlock(rowSize);
+    if (!columns_.empty())
+        bindRows(rowsOfBlock(connection));
 }
 
-void OdbcCursor::bindBlock(std::size_t rowSize) {
-    std::size_t rows =
-        std::clamp<std::size_t>(BlockBytes / std::max<std::size_t>(rowSize, 1), 1, BlockRows);
+/// Decides which columns are bound.
+std::size_t OdbcCursor::rowsOfBlock(SQLHDBC connection) {
+    SQLUINTEGER extensions = 0;
+    SQLGetInfoW(connection, SQL_GETDATA_EXTENSIONS, &extensions, sizeof extensions, nullptr);
+    std::size_t rowSize = 0;
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+        const bool inOrder = !readsCells_ || (extensions & SQL_GD_ANY_COLUMN) != 0;
+        buffers_[column].bound = columns_[column].cellSize != 0 && inOrder;
+        readsCells_ = readsCells_ || !buffers_[column].bound;
+        rowSize += columns_[column].cellSize;
+    }
+    return readsCells_ ? 1 : std::clamp<std::size_t>(BlockBytes / rowSize, 1, BlockRows);
+}
+
+void OdbcCursor::bindRows(std::size_t rows) {
     SQLHSTMT statement = statement_.get();
-    if (!SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE, odbcAttribute(rows), 0)))
+    if (rows > 1 && !SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE,
+                                                   odbcAttribute(rows), 0)))
         rows = 1;
     rowStatus_.resize(rows);
     statement_.check(
@@ -76,7 +85,8 @@ void OdbcCursor::bindBlock(std::size_t rowSize) {
     statement_.check(
         SQLSetStmtAttrW(statement, SQL_ATTR_ROWS_FETCHED_PTR, &fetched_, SQL_IS_POINTER));
     for (std::size_t column = 0; column < columns_.size(); ++column)
-        bindColumn(column, rows);
+        if (buffers_[column].bound)
+            bindColumn(column, rows);
 }
 
 void OdbcCursor::bindColumn(std::size_t column, std::size_t rows) {
@@ -93,21 +103,20 @@ void OdbcCursor::bindColumn(std::size_t column, std::size_t rows) {
 bool OdbcCursor::next() {
     if (atEnd_)
         return false;
-    atEnd_ = !(inBlocks_ ? nextOfBlock() : nextByCell());
-    return !atEnd_;
-}
-
-bool OdbcCursor::nextOfBlock() {
     if (row_ + 1 < fetched_) {
         ++row_;
     } else {
         row_ = 0;
         fetched_ = 0;
-        if (statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA)
+        atEnd_ = statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA;
+        if (atEnd_)
             return false;
         fetched_ = std::max<SQLULEN>(fetched_, 1);
     }
     checkRow();
+    for (std::size_t column = 0; readsCells_ && column < columns_.size(); ++column)
+        if (!buffers_[column].bound)
+            readCell(column);
     return true;
 }
 
@@ -115,7 +124,7 @@ void OdbcCursor::checkRow() {
     if (rowStatus_[row_] == SQL_ROW_ERROR)
         throw statement_.diagnostics();
     for (std::size_t column = 0; column < columns_.size(); ++column)
-        if (isVariable(columns_[column].cType) &&
+        if (buffers_[column].bound && isVariable(columns_[column].cType) &&
             buffers_[column].indicators[row_] != SQL_NULL_DATA)
             checkCell(column);
 }
@@ -136,14 +145,6 @@ void OdbcCursor::checkCell(std::size_t column) {
     length = static_cast<SQLLEN>(written);
 }
 
-bool OdbcCursor::nextByCell() {
-    if (statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA)
-        return false;
-    for (std::size_t column = 0; column < columns_.size(); ++column)
-        readCell(column);
-    return true;
-}
-
 /// Reads one cell in as many pieces as it takes.
 void OdbcCursor::readCell(std::size_t column) {
     Buffer& buffer = buffers_[column];
@@ -152,7 +153,7 @@ void OdbcCursor::readCell(std::size_t column) {
         buffer.cells.resize(columns_[column].cellSize != 0 ? columns_[column].cellSize
                                                            : FirstPiece);
     buffer.indicators.assign(1, SQL_NULL_DATA);
-    if (columns_[column].cellSize == 0 && columns_[column].cType == SQL_C_WCHAR &&
+    if (columns_[column].cellSize == 0 && columns_[column].cType != SQL_C_BINARY &&
         reserveLongText(column) == 0) {
         // A driver may take the question for the reading; of nothing there is no more.
         buffer.indicators[0] = 0;
@@ -191,7 +192,8 @@ SQLLEN OdbcCursor::reserveLongText(std::size_t column) {
     Buffer& buffer = buffers_[column];
     SQLLEN length = 0;
     statement_.check(SQLGetData(statement_.get(), static_cast<SQLUSMALLINT>(column + 1),
-                                SQL_C_WCHAR, buffer.cells.data(), 0, &length));
+                                columns_[column].cType, buffer.cells.data(), 0, &length));
+    // A wide text's length may be miscounted, by half at worst.
     if (length > 0)
         buffer.cells.resize(std::max(
             buffer.cells.size(), odbcWideCellSize(static_cast<std::size_t>(length) / UnitSize)));
@@ -201,11 +203,11 @@ SQLLEN OdbcCursor::reserveLongText(std::size_t column) {
 Value OdbcCursor::value(std::size_t column) const {
     const OdbcColumn& description = columns_[column];
     Buffer& buffer = buffers_[column];
-    const std::size_t row = inBlocks_ ? row_ : 0;
+    const std::size_t row = buffer.bound ? row_ : 0;
     const SQLLEN length = buffer.indicators[row];
     if (length == SQL_NULL_DATA)
         return {};
-    const char* const cell = buffer.cells.data() + (inBlocks_ ? row * description.cellSize : 0);
+    const char* const cell = buffer.cells.data() + row * description.cellSize;
     const std::size_t size =
         isVariable(description.cType) ? static_cast<std::size_t>(length) : description.cellSize;
     return odbcValue(description, {cell, size}, buffer.room.data());

@@ -17,9 +17,9 @@ void executeOdbc(const OdbcHandle& statement, const std::string& text);
 
 /// Rows of a query on an ODBC database.
 ///
-/// Where every column has a modest bound, the driver writes a block of rows at a time straight into
-/// bound memory. One column without a bound turns the whole result to reading cell by cell, since
-/// few drivers allow both at once.
+/// The driver writes straight into bound memory: a block of rows at a time where every column has a
+/// modest bound. A column without one is read by itself, piece by piece, and its result comes row
+/// by row; where the driver insists on order, the columns behind it are read as well.
 class OdbcCursor final : public Cursor {
 public:
     /// Memory that a block of rows should take, and the most rows in it.
@@ -27,7 +27,7 @@ public:
     static constexpr std::size_t BlockRows = 256;
 
     /// Runs the query.
-    OdbcCursor(SQLHDBC connection, const std::string& source);
+    OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts);
 
     const FieldList& fields() const override { return fields_; }
     bool next() override;
@@ -38,14 +38,14 @@ private:
         std::vector<char> cells;        ///< of all rows of the block, or of one long cell
         std::vector<SQLLEN> indicators; ///< one per row of the block
         std::vector<char> room;         ///< see odbcValue(); written to by value()
+        bool bound = false;
     };
 
-    void bindBlock(std::size_t rowSize);
+    std::size_t rowsOfBlock(SQLHDBC connection);
+    void bindRows(std::size_t rows);
     void bindColumn(std::size_t column, std::size_t rows);
-    bool nextOfBlock();
     void checkRow();
     void checkCell(std::size_t column);
-    bool nextByCell();
     void readCell(std::size_t column);
     SQLLEN reserveLongText(std::size_t column);
 
@@ -56,7 +56,7 @@ private:
     std::vector<SQLUSMALLINT> rowStatus_;
     SQLULEN fetched_ = 0; ///< rows in the block; the driver writes it
     std::size_t row_ = 0; ///< current row of the block
-    bool inBlocks_ = false;
+    bool readsCells_ = false; ///< some columns are not bound
     bool atEnd_ = false;
 };
 

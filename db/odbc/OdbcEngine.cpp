@@ -33,9 +33,18 @@ struct OdbcEngine::Session {
                                             odbcAttribute(value), SQL_IS_UINTEGER));
     }
 
+    OdbcTexts texts() {
+        if (!texts_)
+            texts_ = deliversUtf8(connection.get()) ? OdbcTexts::Utf8 : OdbcTexts::Wide;
+        return *texts_;
+    }
+
     OdbcEnvironment environment;
     OdbcHandle connection;
     std::optional<OdbcHandle> statement; ///< kept for all statements without a result
+
+private:
+    std::optional<OdbcTexts> texts_; ///< known after the first query
 };
 
 OdbcEngine::OdbcEngine(const std::string& connectionString)
@@ -69,7 +78,7 @@ void OdbcEngine::execute(const std::string& statement) {
 }
 
 std::unique_ptr<Cursor> OdbcEngine::query(const std::string& source) {
-    return std::make_unique<OdbcCursor>(session_->connection.get(), source);
+    return std::make_unique<OdbcCursor>(session_->connection.get(), source, session_->texts());
 }
 
 void OdbcEngine::begin() {
