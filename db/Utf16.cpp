@@ -81,21 +81,36 @@ char32_t decodeUtf8(std::string_view text, std::size_t& position) {
     return wellFormed ? code : Replacement;
 }
 
+/// Writes units through `put`.
+template <typename Put>
+void decodeAll(std::string_view utf8, Put put) {
+    for (std::size_t position = 0; position < utf8.size();) {
+        const char32_t code = decodeUtf8(utf8, position);
+        if (code < 0x10000) {
+            put(static_cast<char16_t>(code));
+        } else {
+            put(static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10U)));
+            put(static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FFU)));
+        }
+    }
+}
+
 } // namespace
 
 std::u16string toUtf16(std::string_view utf8) {
     std::u16string result;
     result.reserve(utf8.size());
-    for (std::size_t position = 0; position < utf8.size();) {
-        const char32_t code = decodeUtf8(utf8, position);
-        if (code < 0x10000) {
-            result += static_cast<char16_t>(code);
-        } else {
-            result += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10U));
-            result += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FFU));
-        }
-    }
+    decodeAll(utf8, [&result](char16_t unit) { result += unit; });
     return result;
+}
+
+std::size_t utf8ToUtf16Le(std::string_view utf8, char* out) noexcept {
+    char* next = out;
+    decodeAll(utf8, [&next](char16_t unit) {
+        *next++ = static_cast<char>(unit & 0xFFU);
+        *next++ = static_cast<char>(unit >> 8U);
+    });
+    return static_cast<std::size_t>(next - out);
 }
 
 std::string toUtf8(std::u16string_view utf16) {

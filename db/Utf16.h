@@ -18,4 +18,9 @@ std::string toUtf8(std::u16string_view utf16);
 /// @return bytes written.
 std::size_t utf16LeToUtf8(const char* bytes, std::size_t units, char* out) noexcept;
 
+/// UTF-8 to UTF-16LE bytes, without alignment, at `out`. Ill-formed input becomes U+FFFD.
+/// @param out room for at least 2 * utf8.size() bytes.
+/// @return bytes written.
+std::size_t utf8ToUtf16Le(std::string_view utf8, char* out) noexcept;
+
 } // namespace quillet::db

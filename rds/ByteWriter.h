@@ -33,25 +33,29 @@ public:
     void i64(std::int64_t value) { number(static_cast<std::uint64_t>(value)); }
     void r4(float value) { number(std::bit_cast<std::uint32_t>(value)); }
     void r8(double value) { number(std::bit_cast<std::uint64_t>(value)); }
+    /// The lowest `size` bytes of a number, 1 to 8.
+    void low(std::uint64_t value, std::size_t size) {
+        char run[sizeof value];
+        for (std::size_t i = 0; i < sizeof value; ++i)
+            run[i] = static_cast<char>(value >> (8 * i));
+        bytes_.append(run, size);
+    }
     void bytes(std::string_view run) { bytes_.append(run); }
     void fill(std::size_t count, char byte) { bytes_.append(count, byte); }
 
     /// Appends a text as UTF-16LE and returns the number of bytes it took.
     std::size_t utf16(std::string_view utf8) {
         const std::size_t before = bytes_.size();
-        if (isAscii(utf8)) {
-            for (const char c : utf8) {
-                bytes_.push_back(c);
-                bytes_.push_back('\0');
-            }
-        } else {
-            for (const char16_t unit : db::toUtf16(utf8))
-                u16(static_cast<std::uint16_t>(unit));
-        }
-        return bytes_.size() - before;
+        bytes_.resize(before + 2 * utf8.size());
+        const std::size_t taken = db::utf8ToUtf16Le(utf8, bytes_.data() + before);
+        bytes_.resize(before + taken);
+        return taken;
     }
 
-    /// Overwrites four bytes at `position` that have been written as a place holder.
+    /// Overwrites a byte, or four, at `position` that have been written as a place holder.
+    void patchU8(std::size_t position, std::uint8_t value) {
+        bytes_[position] = static_cast<char>(value);
+    }
     void patchU32(std::size_t position, std::uint32_t value) {
         for (std::size_t i = 0; i < 4; ++i)
             bytes_[position + i] = static_cast<char>(value >> (8 * i));

@@ -249,28 +249,29 @@ void CellEncoder::integer(const Value& value, ByteWriter& out) const {
     const bool isUnsigned = type_ == DataType::UnsignedTinyInt ||
                             type_ == DataType::UnsignedSmallInt || type_ == DataType::UnsignedInt ||
                             type_ == DataType::UnsignedBigInt;
-    WideDecimal number;
-    if (value.kind() == Kind::Integer || value.kind() == Kind::Unsigned) {
-        number.negative = value.kind() == Kind::Integer && value.asInteger() < 0;
-        const std::uint64_t pattern = value.kind() == Kind::Integer
-                                          ? static_cast<std::uint64_t>(value.asInteger())
-                                          : value.asUnsigned();
-        const std::uint64_t magnitude = number.negative ? std::uint64_t{0} - pattern : pattern;
-        number.limbs = {static_cast<std::uint32_t>(magnitude),
-                        static_cast<std::uint32_t>(magnitude >> 32U), 0, 0};
+    bool negative = false;
+    std::uint64_t magnitude = 0;
+    if (value.kind() == Kind::Integer) {
+        negative = value.asInteger() < 0;
+        magnitude = static_cast<std::uint64_t>(value.asInteger());
+        magnitude = negative ? std::uint64_t{0} - magnitude : magnitude;
+    } else if (value.kind() == Kind::Unsigned) {
+        magnitude = value.asUnsigned();
     } else {
-        number = exact(value);
+        WideDecimal number = exact(value);
         number.rescale(0);
+        if (!number.fits64())
+            failOverflow();
+        negative = number.isNegative();
+        magnitude = number.low64();
     }
     const auto bits = static_cast<unsigned>(8 * layout_.size);
     const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
-    const std::uint64_t magnitude = number.low64();
-    const std::uint64_t limit = isUnsigned ? mask : (mask >> 1U) + (number.negative ? 1 : 0);
-    if (!number.fits64() || magnitude > limit || (isUnsigned && number.isNegative()))
+    const std::uint64_t limit = isUnsigned ? mask : (mask >> 1U) + (negative ? 1 : 0);
+    if (magnitude > limit || (isUnsigned && negative))
         failOverflow();
-    const std::uint64_t result = number.negative ? std::uint64_t{0} - magnitude : magnitude;
-    for (unsigned shift = 0; shift < bits; shift += 8)
-        out.u8(static_cast<std::uint8_t>(result >> shift));
+    out.low(negative ? std::uint64_t{0} - magnitude : magnitude,
+            static_cast<std::size_t>(layout_.size));
 }
 
 void CellEncoder::single(double value, ByteWriter& out) const {
@@ -307,41 +308,52 @@ void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     out.bytes(magnitude);
 }
 
-void CellEncoder::prefixed(std::string_view bytes, char padding, ByteWriter& out) const {
-    const auto size = layout_.fixed ? static_cast<std::size_t>(layout_.size) : bytes.size();
-    if (bytes.size() > size)
+/// @throws db::Error when the column's prefix or length cannot say a size.
+std::uint32_t CellEncoder::checkedSize(std::size_t size) const {
+    const bool oneByte = layout_.prefix == CellLayout::Prefix::OneByte;
+    const std::size_t largest = oneByte ? std::numeric_limits<std::uint8_t>::max()
+                                        : std::numeric_limits<std::uint32_t>::max();
+    if (size > largest || (layout_.fixed && size > layout_.size))
         failOverflow();
-    switch (layout_.prefix) {
-    case CellLayout::Prefix::None:
-        break;
-    case CellLayout::Prefix::OneByte:
-        if (size > std::numeric_limits<std::uint8_t>::max())
-            failOverflow();
+    return static_cast<std::uint32_t>(size);
+}
+
+void CellEncoder::prefixed(std::string_view bytes, char padding, ByteWriter& out) const {
+    checkedSize(bytes.size());
+    const auto size = layout_.fixed ? static_cast<std::size_t>(layout_.size) : bytes.size();
+    if (layout_.prefix == CellLayout::Prefix::OneByte)
         out.u8(static_cast<std::uint8_t>(size));
-        break;
-    case CellLayout::Prefix::FourBytes:
-        if (size > std::numeric_limits<std::uint32_t>::max())
-            failOverflow();
+    else if (layout_.prefix == CellLayout::Prefix::FourBytes)
         out.u32(static_cast<std::uint32_t>(size));
-        break;
-    }
     out.bytes(bytes);
     out.fill(size - bytes.size(), padding);
 }
 
+/// Writes straight into the row: these are most of what there is.
+void CellEncoder::wideText(std::string_view utf8, ByteWriter& out) const {
+    const std::size_t prefix = out.size();
+    if (layout_.prefix == CellLayout::Prefix::OneByte)
+        out.u8(0);
+    else if (layout_.prefix == CellLayout::Prefix::FourBytes)
+        out.u32(0);
+    std::size_t size = out.utf16(utf8);
+    for (; layout_.fixed && size < layout_.size; size += 2)
+        out.u16(' ');
+    const std::uint32_t checked = checkedSize(size);
+    if (layout_.prefix == CellLayout::Prefix::OneByte)
+        out.patchU8(prefix, static_cast<std::uint8_t>(checked));
+    else if (layout_.prefix == CellLayout::Prefix::FourBytes)
+        out.patchU32(prefix, checked);
+}
+
 void CellEncoder::text(std::string_view utf8, const CodePage& codePage, ByteWriter& out) const {
-    if (type_ == DataType::Char) {
-        if (isAscii(utf8))
-            return prefixed(utf8, ' ', out);
-        std::string bytes;
-        codePage.appendFromUtf8(utf8, bytes);
-        return prefixed(bytes, ' ', out);
-    }
-    ByteWriter wide;
-    wide.utf16(utf8);
-    while (layout_.fixed && wide.size() < layout_.size)
-        wide.u16(' ');
-    prefixed(wide.view(), '\0', out);
+    if (type_ != DataType::Char)
+        return wideText(utf8, out);
+    if (isAscii(utf8))
+        return prefixed(utf8, ' ', out);
+    std::string bytes;
+    codePage.appendFromUtf8(utf8, bytes);
+    prefixed(bytes, ' ', out);
 }
 
 void CellEncoder::encode(const Value& value, const CodePage& codePage, ByteWriter& out) const {

@@ -27,7 +27,9 @@ private:
     void decimal(const db::Value& value, ByteWriter& out) const;
     void numeric(const db::Value& value, ByteWriter& out) const;
     void text(std::string_view utf8, const CodePage& codePage, ByteWriter& out) const;
+    void wideText(std::string_view utf8, ByteWriter& out) const;
     void prefixed(std::string_view bytes, char padding, ByteWriter& out) const;
+    std::uint32_t checkedSize(std::size_t size) const;
     [[noreturn]] void failOverflow() const;
 
     std::string name_;
