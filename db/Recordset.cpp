@@ -32,13 +32,18 @@ struct Criteria {
                 "with one another.");
 }
 
+[[noreturn]] void failNotFound() {
+    throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
+                                      "the requested name or ordinal.");
+}
+
 /// Reads `COLUMN = 'text'`.
 Criteria parseCriteria(std::string_view criteria) {
     const std::size_t equals = criteria.find('=');
     if (equals == std::string_view::npos)
         badCriteria();
     Criteria result;
-    result.column = trimmed(criteria.substr(0, equals));
+    result.column = Recordset::columnOf(criteria);
     const std::string_view quoted = trimmed(criteria.substr(equals + 1));
     if (result.column.empty() || result.column.find_first_of(" '<>") != std::string_view::npos ||
         quoted.size() < 2 || quoted.front() != '\'' || quoted.back() != '\'')
@@ -57,12 +62,22 @@ Criteria parseCriteria(std::string_view criteria) {
 Recordset::Recordset(FieldList fields)
     : fields_(std::move(fields)), rows_(fields_.size()), open_(true) {}
 
-void Recordset::Open(const std::string& source, Connection& connection) {
+void Recordset::Open(const std::string& source, Connection& connection,
+                     std::string_view onlyColumn) {
     *this = Recordset();
     const std::unique_ptr<Cursor> cursor = connection.query(source);
     Recordset result(cursor->fields());
-    while (cursor->next())
-        result.addRow(*cursor);
+    if (onlyColumn.empty()) {
+        while (cursor->next())
+            result.addRow(*cursor);
+    } else {
+        const std::size_t column = result.positionOf(onlyColumn);
+        std::vector<Value> row(result.fields_.size());
+        while (cursor->next()) {
+            row[column] = cursor->value(column).keptIn(result.arena_);
+            result.addRow(row);
+        }
+    }
     *this = std::move(result);
 }
 
@@ -102,14 +117,9 @@ void Recordset::Find(std::string_view criteria) {
     requireOpen();
     requireCurrent();
     Criteria wanted = parseCriteria(criteria);
-    const auto field = std::find_if(fields_.begin(), fields_.end(), [&](const Field& candidate) {
-        return equalIgnoringCase(candidate.Name, wanted.column);
-    });
-    if (field == fields_.end())
-        throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
-                                          "the requested name or ordinal.");
-    fold(wanted.text, field->comparison);
-    const ColumnIndex& index = indexOf(static_cast<std::size_t>(field - fields_.begin()));
+    const std::size_t column = positionOf(wanted.column);
+    fold(wanted.text, fields_[column].comparison);
+    const ColumnIndex& index = indexOf(column);
     const auto found = index.first.find(wanted.text);
     std::uint32_t row = found == index.first.end() ? NoRow : found->second;
     while (row != NoRow && row < current_)
@@ -117,11 +127,14 @@ void Recordset::Find(std::string_view criteria) {
     current_ = row == NoRow ? rows_.size() : row;
 }
 
+std::string_view Recordset::columnOf(std::string_view criteria) {
+    return trimmed(criteria.substr(0, criteria.find('=')));
+}
+
 Value Recordset::Item(std::size_t column) const {
     requireOpen();
     if (column >= fields_.size())
-        throw Error(number::ItemNotFound, "Item cannot be found in the collection corresponding to "
-                                          "the requested name or ordinal.");
+        failNotFound();
     requireCurrent();
     return rows_.at(current_, column);
 }
@@ -149,6 +162,15 @@ void Recordset::requireCurrent() const {
         throw Error(number::NoCurrentRecord,
                     "Either BOF or EOF is True, or the current record has been deleted. Requested "
                     "operation requires a current record.");
+}
+
+std::size_t Recordset::positionOf(std::string_view column) const {
+    const auto field = std::find_if(
+        fields_.begin(), fields_.end(),
+        [column](const Field& candidate) { return equalIgnoringCase(candidate.Name, column); });
+    if (field == fields_.end())
+        failNotFound();
+    return static_cast<std::size_t>(field - fields_.begin());
 }
 
 const Recordset::ColumnIndex& Recordset::indexOf(std::size_t column) {

@@ -29,7 +29,7 @@ private:
 
     std::size_t columns_;
     std::size_t mapSize_;               ///< bytes per row
-    std::vector<std::uint8_t> present_; ///< a bit per column, the first one the lowest
+    std::vector<std::uint8_t> present_; ///< a bit per column, the first one the lowest; and slack
     std::vector<const Value*> rows_;    ///< the values that are there, in the order of the columns
     std::vector<std::unique_ptr<Value[]>> blocks_;
     Value* next_ = nullptr;

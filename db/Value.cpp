@@ -3,7 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <cstdint>
 
 namespace quillet::db {
 
@@ -24,22 +24,25 @@ void appendReal(std::string& out, Real value) {
         out += std::isnan(value) ? "NaN" : (value < 0 ? "-Infinity" : "Infinity");
         return;
     }
-    if (value == 0) { // also "-0"
-        out += '0';
+    // Most are whole numbers, and as such much quicker; "-0" is one of them.
+    constexpr Real Exact = 1'000'000;
+    if (std::fabs(value) <= Exact && value == std::trunc(value)) {
+        appendNumber(out, static_cast<std::int64_t>(value));
         return;
     }
     // Fixed notation of the smallest double takes 1,075 digits.
-    std::array<char, 1100> buffer{};
+    std::array<char, 1100> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
     const auto end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed)
             .ptr;
     out.append(buffer.data(), end);
 }
 
-void appendPadded(std::string& out, unsigned value, int width) {
-    std::array<char, 12> buffer{};
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%0*u", width, value);
-    out.append(buffer.data(), static_cast<std::size_t>(length));
+void appendPadded(std::string& out, unsigned value, std::size_t width) {
+    const std::size_t before = out.size();
+    appendNumber(out, value);
+    if (const std::size_t digits = out.size() - before; digits < width)
+        out.insert(before, width - digits, '0');
 }
 
 void appendDate(std::string& out, const DateTime& value) {

@@ -42,10 +42,10 @@ void VelkDBPro::DBOpen(const std::string& constr) {
     }
 }
 
-Recordset VelkDBPro::GET_RSS(const std::string& SSQL) {
+Recordset VelkDBPro::GET_RSS(const std::string& SSQL, std::string_view onlyColumn) {
     Recordset result;
     try {
-        result.Open(SSQL, Conn);
+        result.Open(SSQL, Conn, onlyColumn);
         StatusFlag = 1;
     } catch (const std::exception&) {
         failWithErrors();

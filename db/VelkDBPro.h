@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillet::db {
@@ -46,7 +47,8 @@ public:
 
     /// Reads a query's rows, to look keys up in. After a failure the recordset is closed, not
     /// absent: ask Status(). A success deliberately leaves ErrText as it was.
-    Recordset GET_RSS(const std::string& SSQL);
+    /// @param onlyColumn see Recordset::Open().
+    Recordset GET_RSS(const std::string& SSQL, std::string_view onlyColumn = {});
 
     /// Runs every statement in one transaction, all or nothing.
     void PUT_DATA_DEL(const StatementArray& SQL);

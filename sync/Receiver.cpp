@@ -16,10 +16,11 @@ void appendIfAny(Run& run, std::optional<std::string> statement) {
         run.append(std::move(*statement));
 }
 
-/// Reads the look-up rows. A failed snapshot comes back closed; using it is the error, and what
-/// the store said of it tells the technician why.
-db::Recordset snapshot(Run& run, std::string_view StoreSql) {
-    db::Recordset StoreRs = run.store().GET_RSS(std::string(StoreSql));
+/// Reads the look-up rows' keys. A failed snapshot comes back closed; using it is the error, and
+/// what the store said of it tells the technician why.
+db::Recordset snapshot(Run& run, const Upsert& upsert) {
+    db::Recordset StoreRs = run.store().GET_RSS(
+        std::string(upsert.StoreSql), db::Recordset::columnOf(upsert.criteria.opening()));
     if (run.store().Status() != 1)
         throw db::Error(db::number::ObjectClosed,
                         "Operation is not allowed when the object is closed. " +
@@ -36,7 +37,7 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
     if (upsert.beforeLookup)
         upsert.beforeLookup();
 
-    db::Recordset StoreRs = snapshot(run, upsert.StoreSql);
+    db::Recordset StoreRs = snapshot(run, upsert);
     const ServerRow row(ServerRs);
 
     if (StoreRs.Eof()) {

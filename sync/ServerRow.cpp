@@ -9,9 +9,14 @@ double ServerRow::number(std::size_t field) const {
     const db::Value value = rows_.Item(field);
     if (value.isNull())
         throw db::invalidUseOfNull();
-    if (value.kind() == db::Value::Kind::Text)
+    switch (value.kind()) {
+    case db::Value::Kind::Integer: // as its text would be read
+        return static_cast<double>(value.asInteger());
+    case db::Value::Kind::Text:
         return leadingNumber(value.bytes());
-    return leadingNumber(value.toText());
+    default:
+        return leadingNumber(value.toText());
+    }
 }
 
 } // namespace quillet::sync

@@ -53,6 +53,11 @@ SqlTemplate::SqlTemplate(std::string_view pattern, std::initializer_list<std::st
     }
 }
 
+std::string_view SqlTemplate::opening() const {
+    const bool any = !pieces_.empty() && pieces_.front().kind == Kind::Literal;
+    return any ? std::string_view(pieces_.front().literal) : std::string_view();
+}
+
 std::string SqlTemplate::render(const ServerRow& row,
                                 std::span<const std::string_view> computed) const {
     std::string statement;

@@ -30,6 +30,9 @@ public:
     explicit SqlTemplate(std::string_view pattern,
                          std::initializer_list<std::string_view> names = {});
 
+    /// What stands in front of the first place.
+    std::string_view opening() const;
+
     /// @throws db::Error 94 for a Null where a number stands.
     std::string render(const ServerRow& row, std::span<const std::string_view> computed = {}) const;
 

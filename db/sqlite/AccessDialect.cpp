@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -41,20 +42,20 @@ void refuseComment(std::string_view text, std::size_t position) {
 }
 
 /// Looks through a statement once; most need nothing.
-bool needsTranslation(std::string_view text) {
-    if (text.find('\0') != std::string_view::npos)
-        syntaxError("Syntax error: the statement holds a NUL character.");
+bool needsTranslation(const std::string& text) {
     bool found = false;
-    for (std::size_t i = 0; i < text.size();) {
-        switch (text[i]) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        // The C library's search is several times as fast as a loop of our own.
+        i += std::strcspn(text.c_str() + i, "\"'[`-/+&");
+        switch (i < text.size() ? text[i] : ' ') {
         case '"':
             found = true;
             [[fallthrough]];
         case '\'':
         case '[':
         case '`':
-            i = endOfQuoted(text, i);
-            continue;
+            i = endOfQuoted(text, i) - 1;
+            break;
         case '-':
         case '/':
             refuseComment(text, i);
@@ -63,11 +64,12 @@ bool needsTranslation(std::string_view text) {
         case '&':
             found = true;
             break;
-        default:
+        default: // behind the end, or at a NUL: see below
             break;
         }
-        ++i;
     }
+    if (text.find('\0') != std::string::npos)
+        syntaxError("Syntax error: the statement holds a NUL character.");
     return found;
 }
 

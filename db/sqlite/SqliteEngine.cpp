@@ -48,16 +48,14 @@ void requireStore(const std::filesystem::path& file) {
 
 SqliteDatabase openStore(const std::filesystem::path& file) {
     requireStore(file);
-    sqlite3* opened = nullptr;
-    const int result =
-        sqlite3_open_v2(textOf(file).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-    SqliteDatabase database(opened);
-    int checked = result;
+    int result = SQLITE_OK;
+    SqliteDatabase database = openSqlite(file, SQLITE_OPEN_READWRITE, result);
+    sqlite3* const opened = database.get();
     if (result == SQLITE_OK)
-        checked =
+        result =
             sqlite3_exec(opened, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr) & 0xFF;
     // A lock of the POS program is no reason to refuse the file; a statement will wait for it.
-    if (checked != SQLITE_OK && checked != SQLITE_BUSY)
+    if (result != SQLITE_OK && result != SQLITE_BUSY)
         throw providerError("08001", "The store database '" + textOf(file) +
                                          "' cannot be opened: " +
                                          (opened ? sqlite3_errmsg(opened) : "out of memory"));

@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <filesystem>
 #include <memory>
 
 namespace quillet::db {
@@ -17,6 +18,11 @@ struct SqliteStatementDeleter {
 
 using SqliteDatabase = std::unique_ptr<sqlite3, SqliteDatabaseDeleter>;
 using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteStatementDeleter>;
+
+/// Opens a database file. Its connection has no lock: it is for one thread at a time.
+/// @param flags SQLITE_OPEN_READWRITE, perhaps with SQLITE_OPEN_CREATE.
+/// @return the handle, which has the reason of a failure; null when there is no memory for one.
+SqliteDatabase openSqlite(const std::filesystem::path& file, int flags, int& result);
 
 /// The latest error of a database, its message unchanged.
 Error sqliteError(sqlite3* database);
