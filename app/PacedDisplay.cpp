@@ -53,19 +53,25 @@ void ProgressBarControl::apply() {
 }
 
 PacedDisplay::PacedDisplay() {
-    sinceRefresh_.start();
+    clock_.start();
 }
 
 void PacedDisplay::yield() {
-    if (sinceRefresh_.elapsed() >= RefreshInterval)
+    const qint64 now = clock_.elapsed();
+    if (now - refreshed_ >= RefreshInterval)
         refresh();
+    if (now - asked_ < AskInterval) {
+        QCoreApplication::sendPostedEvents();
+        return;
+    }
     QCoreApplication::processEvents();
+    asked_ = now;
 }
 
 void PacedDisplay::refresh() {
     for (PacedControl* control : controls_)
         control->show();
-    sinceRefresh_.restart();
+    refreshed_ = clock_.elapsed();
 }
 
 } // namespace quillet::app

@@ -72,9 +72,14 @@ public:
     /// Milliseconds between two refreshes.
     static constexpr int RefreshInterval = 33;
 
+    /// Milliseconds between two looks at what the window system has waiting. A look takes a tenth
+    /// of a statement; no hand is quicker than this.
+    static constexpr int AskInterval = 1;
+
     PacedDisplay();
 
-    /// Lets waiting window events be handled, and refreshes the widgets when it is time.
+    /// Lets waiting events be handled, and refreshes the widgets when it is time: the program's
+    /// own events every time, the window system's once they may have waited for AskInterval.
     void yield();
 
     /// Brings every widget up to date now.
@@ -84,7 +89,9 @@ private:
     friend class PacedControl;
 
     std::vector<PacedControl*> controls_;
-    QElapsedTimer sinceRefresh_;
+    QElapsedTimer clock_;
+    qint64 refreshed_ = 0; ///< when, by the clock
+    qint64 asked_ = 0;
 };
 
 } // namespace quillet::app

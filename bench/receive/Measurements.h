@@ -10,7 +10,7 @@ namespace quillet::bench {
 /// A generated chain in a database of its own.
 struct Chain {
     std::string database;
-    int members = 0; ///< rows of 40 columns that a first receive asks for
+    int members = 0; ///< rows of 40 columns that a first receive asks for; the large one's
 };
 
 /// The whole way, in alternating rounds: a first receive and a full update of the large chain

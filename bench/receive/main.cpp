@@ -24,9 +24,8 @@ int main(int argc, char* argv[]) {
     const auto databaseServer = option("database-server", "server");
     const auto databaseUser = option("database-user", "user");
     const auto large = option("large", "database");
-    const auto largeMembers = option("large-members", "number");
+    const auto members = option("members", "number");
     const auto small = option("small", "database");
-    const auto smallMembers = option("small-members", "number");
     const auto rounds = option("rounds", "number");
     const auto csv = option("csv", "file");
     line.process(application);
@@ -34,8 +33,8 @@ int main(int argc, char* argv[]) {
     try {
         const bench::Site site{db::pathOf(quilletProgram()), db::pathOf(headOfficeProgram()),
                                databaseServer(), databaseUser()};
-        const bench::Chain largeChain{large(), std::stoi(largeMembers())};
-        const bench::Chain smallChain{small(), std::stoi(smallMembers())};
+        const bench::Chain largeChain{large(), std::stoi(members())};
+        const bench::Chain smallChain{small()};
         const int n = std::stoi(rounds());
 
         bench::Report report;
