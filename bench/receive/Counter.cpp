@@ -3,7 +3,6 @@
 #include "app/frm_Quillet.h"
 #include "bench/receive/PeakMemory.h"
 #include "bench/receive/Stopwatch.h"
-#include "bench/receive/WindowWatch.h"
 #include "db/DB_Control.h"
 #include "db/Paths.h"
 #include "db/store/EmptyStore.h"
@@ -14,6 +13,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -28,7 +28,8 @@ QString q(const std::filesystem::path& path) {
 } // namespace
 
 Counter::Counter(const Site& site, const std::string& address, const std::string& database)
-    : settings_(q(folder_ / "config" / "quillet" / "settings.ini")) {
+    : settings_(q(folder_ / "config" / "quillet" / "settings.ini")),
+      connectionString_(site.connectionString(database)) {
     const std::vector<std::pair<std::string, std::string>> values{
         {"1차서버", address},
         {"개체명", "quorin.data"},
@@ -49,8 +50,11 @@ void Counter::useStore(const std::filesystem::path& original) {
                                std::filesystem::copy_options::overwrite_existing);
 }
 
-WindowFigures Counter::receiveInWindow() {
-    WindowWatch watch;
+WindowFigures Counter::receiveInWindow(bool againstFloors) {
+    std::optional<FloorSites> floors;
+    if (againstFloors)
+        floors = FloorSites{connectionString_, store(), folder_ / "floor.MDB"};
+    WindowWatch watch(std::move(floors));
     app::frm_Quillet window({settings_, folder_.path(), "1.0.0", db::localNow, &watch});
     const auto* const startButton = window.findChild<QPushButton*>("Cmd1(0)");
     window.show();
@@ -60,8 +64,9 @@ WindowFigures Counter::receiveInWindow() {
     if (window.isVisible())
         throw std::runtime_error(
             "the window says: " + window.findChild<QLabel*>("lbl_MSG")->text().toStdString());
+    const WindowFigures figures = watch.finish();
     db::DB_Control::StoreConnection.reset();
-    return watch.figures();
+    return figures;
 }
 
 void Counter::start(QProcess& process) const {

@@ -2,7 +2,7 @@
 
 #include "app/IniSettings.h"
 #include "bench/receive/Site.h"
-#include "db/VelkDBPro.h"
+#include "bench/receive/WindowWatch.h"
 #include "tests/support/TempFolder.h"
 
 #include <QProcess>
@@ -10,20 +10,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace quillet::bench {
-
-/// What a receive took, as its window lives through it. Seconds.
-struct WindowFigures {
-    double queries = 0;    ///< server queries, each until its rows are in the recordset
-    double collecting = 0; ///< look-ups and statements: all the rest before the batch
-    double batch = 0;      ///< PUT_DATA
-    double longestGap = 0; ///< between two repaints of the window while the batch runs
-
-    std::vector<std::string> ServerQueries;
-    db::StatementArray statements;
-};
 
 /// What the program took from its start to its end.
 struct ProcessFigures {
@@ -43,8 +31,9 @@ public:
     void useStore(const std::filesystem::path& original);
 
     /// Receives in the real window inside this process.
+    /// @param againstFloors measures them, too.
     /// @throws std::runtime_error when the receive fails.
-    WindowFigures receiveInWindow();
+    WindowFigures receiveInWindow(bool againstFloors = false);
 
     /// Receives with the real program.
     /// @throws std::runtime_error as above.
@@ -59,6 +48,7 @@ public:
 private:
     tests::TempFolder folder_;
     app::IniSettings settings_;
+    std::string connectionString_; ///< of the server's database
 };
 
 } // namespace quillet::bench

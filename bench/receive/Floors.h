@@ -1,22 +1,44 @@
 #pragma once
 
-#include "db/VelkDBPro.h"
+#include "db/odbc/OdbcHandle.h"
+#include "db/sqlite/SqliteHandle.h"
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace quillet::bench {
 
-/// What a receive's databases cannot avoid, by the shortest way that there is to them.
+// What a receive's databases cannot avoid, by the shortest way that there is to them.
 
-/// Executes a batch's statements in one transaction, each by sqlite3_exec, on a store file.
-/// @return seconds, opening excluded.
-double executeByFloor(const std::filesystem::path& store, const db::StatementArray& statements);
+/// F1: a batch's statements in one transaction on a store file, each by sqlite3_exec. Piece by
+/// piece, so that it can take turns with what it is compared with.
+class ExecuteFloor {
+public:
+    /// Begins the transaction. The library is set as the counter's program sets it.
+    explicit ExecuteFloor(const std::filesystem::path& store);
 
-/// Runs queries and fetches every cell as text in the driver's own narrow characters, row by row
-/// into bound buffers: of the ways that ODBC has, the quickest with MariaDB's driver.
-/// @return seconds, connecting excluded.
-double fetchByFloor(const std::string& connectionString, const std::vector<std::string>& queries);
+    void execute(const std::string& statement);
+    void commit() { execute("COMMIT"); }
+
+private:
+    db::SqliteDatabase database_;
+};
+
+/// F2: a query's rows, every cell as text in the driver's own narrow characters, row by row into
+/// bound buffers: of the ways that ODBC has, the quickest with MariaDB's driver.
+class FetchFloor {
+public:
+    /// Connects, as the head office's server does.
+    explicit FetchFloor(const std::string& connectionString);
+    ~FetchFloor();
+    FetchFloor(const FetchFloor&) = delete;
+    FetchFloor& operator=(const FetchFloor&) = delete;
+
+    void fetch(const std::string& query);
+
+private:
+    db::OdbcEnvironment environment_;
+    db::OdbcHandle connection_;
+};
 
 } // namespace quillet::bench

@@ -1,7 +1,7 @@
 #include "bench/receive/Floors.h"
-#include "bench/receive/Stopwatch.h"
-#include "db/odbc/OdbcHandle.h"
 #include "headoffice/RowByRow.h"
+
+#include <vector>
 
 namespace quillet::bench {
 
@@ -9,8 +9,21 @@ namespace {
 
 constexpr std::size_t CellSize = std::size_t{64} * 1024;
 
-void fetchAll(SQLHDBC connection, const std::string& query) {
-    const db::OdbcHandle statement(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection);
+} // namespace
+
+FetchFloor::FetchFloor(const std::string& connectionString)
+    : connection_(SQL_HANDLE_DBC, SQL_HANDLE_ENV, environment_.get()) {
+    db::OdbcText text(headoffice::readingRowByRow(connectionString));
+    connection_.check(SQLDriverConnectW(connection_.get(), nullptr, text.data(), SQL_NTS, nullptr,
+                                        0, nullptr, SQL_DRIVER_NOPROMPT));
+}
+
+FetchFloor::~FetchFloor() {
+    SQLDisconnect(connection_.get());
+}
+
+void FetchFloor::fetch(const std::string& query) {
+    const db::OdbcHandle statement(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection_.get());
     db::OdbcText text(query);
     statement.check(SQLExecDirectW(statement.get(), text.data(), SQL_NTS));
     SQLSMALLINT columns = 0;
@@ -24,22 +37,6 @@ void fetchAll(SQLHDBC connection, const std::string& query) {
     }
     while (statement.check(SQLFetch(statement.get())) != SQL_NO_DATA) {
     }
-}
-
-} // namespace
-
-double fetchByFloor(const std::string& connectionString, const std::vector<std::string>& queries) {
-    const db::OdbcEnvironment environment;
-    const db::OdbcHandle connection(SQL_HANDLE_DBC, SQL_HANDLE_ENV, environment.get());
-    db::OdbcText text(headoffice::readingRowByRow(connectionString));
-    connection.check(SQLDriverConnectW(connection.get(), nullptr, text.data(), SQL_NTS, nullptr, 0,
-                                       nullptr, SQL_DRIVER_NOPROMPT));
-    const Stopwatch stopwatch;
-    for (const std::string& query : queries)
-        fetchAll(connection.get(), query);
-    const double seconds = stopwatch.seconds();
-    SQLDisconnect(connection.get());
-    return seconds;
 }
 
 } // namespace quillet::bench
