@@ -1,5 +1,7 @@
 #include "app/WindowControls.h"
 
+#include "app/FlatProgressBar.h"
+
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -123,7 +125,7 @@ QWidget* WindowControls::progress() {
     const auto addBar = [&](std::size_t bar, QLabel* caption, QLabel* counter, QLabel* slash,
                             QLabel* total) {
         const int top = static_cast<int>(bar) * 3;
-        PBar1[bar] = new QProgressBar;
+        PBar1[bar] = new FlatProgressBar;
         PBar1[bar]->setMinimumHeight(BarHeight);
         PBar1[bar]->setTextVisible(false);
         PBar1[bar]->setValue(0);

@@ -13,6 +13,7 @@
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTimer>
@@ -224,7 +225,11 @@ void frm_Quillet::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void frm_Quillet::paintEvent(QPaintEvent* /*event*/) {
+void frm_Quillet::paintEvent(QPaintEvent* event) {
+    // The controls' repaints come by here, many times a second, and none reaches the edge.
+    constexpr int EdgeWidth = 12;
+    if (rect().adjusted(EdgeWidth, EdgeWidth, -EdgeWidth, -EdgeWidth).contains(event->rect()))
+        return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath edge;

@@ -96,9 +96,12 @@ void Connection::RollbackTrans() {
     guarded([&] { require(engine_).rollback(); });
 }
 
-std::unique_ptr<Cursor> Connection::query(const std::string& source) {
+std::unique_ptr<Cursor> Connection::query(const std::string& source, std::string_view onlyColumn) {
     return guarded([&]() -> std::unique_ptr<Cursor> {
-        return std::make_unique<RecordingCursor>(require(engine_).query(source), errors_);
+        Engine& engine = require(engine_);
+        auto cursor = onlyColumn.empty() ? engine.query(source)
+                                         : engine.queryColumn(source, std::string(onlyColumn));
+        return std::make_unique<RecordingCursor>(std::move(cursor), errors_);
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillet::db {
@@ -37,7 +38,8 @@ public:
 
     /// Runs a query and delivers its rows one by one; the connection must outlive the cursor and
     /// stay where it is meanwhile.
-    std::unique_ptr<Cursor> query(const std::string& source);
+    /// @param onlyColumn where it names one, others may be missing.
+    std::unique_ptr<Cursor> query(const std::string& source, std::string_view onlyColumn = {});
 
     bool IsOpen() const noexcept { return engine_ != nullptr; }
 

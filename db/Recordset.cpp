@@ -5,6 +5,7 @@
 #include "db/Error.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace quillet::db {
@@ -65,18 +66,16 @@ Recordset::Recordset(FieldList fields)
 void Recordset::Open(const std::string& source, Connection& connection,
                      std::string_view onlyColumn) {
     *this = Recordset();
-    const std::unique_ptr<Cursor> cursor = connection.query(source);
+    const std::unique_ptr<Cursor> cursor = connection.query(source, onlyColumn);
     Recordset result(cursor->fields());
     if (onlyColumn.empty()) {
         while (cursor->next())
             result.addRow(*cursor);
     } else {
         const std::size_t column = result.positionOf(onlyColumn);
-        std::vector<Value> row(result.fields_.size());
-        while (cursor->next()) {
-            row[column] = cursor->value(column).keptIn(result.arena_);
-            result.addRow(row);
-        }
+        result = Recordset(FieldList{result.fields_[column]});
+        while (cursor->next())
+            result.addRow(std::array{cursor->value(column).keptIn(result.arena_)});
     }
     *this = std::move(result);
 }

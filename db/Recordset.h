@@ -37,8 +37,8 @@ public:
     ~Recordset() = default;
 
     /// Reads the whole result of a query. The recordset stays closed when it throws.
-    /// @param onlyColumn where it names one, its values alone are kept, and all others read as
-    ///        Null: looking keys up takes neither the time nor the memory of the other columns.
+    /// @param onlyColumn where it names one, the recordset has that column alone: looking keys up
+    ///        takes neither the time nor the memory of the others. The order of the rows may differ.
     /// @throws Error 3709 on a closed connection, or what the database reported; 3265 for an
     ///         unknown column.
     void Open(const std::string& source, Connection& connection, std::string_view onlyColumn = {});

@@ -111,6 +111,11 @@ std::unique_ptr<Cursor> SqliteEngine::query(const std::string& source) {
     return std::make_unique<SqliteCursor>(database_->prepare(source));
 }
 
+std::unique_ptr<Cursor> SqliteEngine::queryColumn(const std::string& source,
+                                                  const std::string& column) {
+    return query("SELECT [" + column + "] FROM (" + source + ")");
+}
+
 void SqliteEngine::begin() {
     transaction_.requireNone();
     execute("BEGIN IMMEDIATE");
