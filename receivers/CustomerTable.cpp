@@ -4,6 +4,7 @@
 #include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -31,9 +32,19 @@ std::string firstTen(const std::string& text) {
     return text.substr(0, end);
 }
 
+/// Whether a text is digits as "YYYY-MM-DD" has them, which is what the head office sends.
+bool isPlainDate(std::string_view text) {
+    constexpr std::string_view Form = "0000-00-00";
+    return std::equal(text.begin(), text.end(), Form.begin(), Form.end(), [](char c, char form) {
+        return form == '0' ? c >= '0' && c <= '9' : c == form;
+    });
+}
+
 /// A date's day as "YYYY-MM-DD"; what is no date (a blank, the zero date) comes back as it is.
 std::string dayText(const std::string& text) {
     std::string day = firstTen(text);
+    if (isPlainDate(day))
+        return day; // whether there is such a day or not
     int year = 0;
     unsigned month = 0;
     unsigned dayOfMonth = 0;

@@ -19,4 +19,15 @@ double ServerRow::number(std::size_t field) const {
     }
 }
 
+void ServerRow::appendNumberTo(std::string& out, std::size_t field) const {
+    const db::Value value = rows_.Item(field);
+    // Most numbers are whole and small, and their own text already.
+    constexpr std::int64_t Exact = 1'000'000;
+    if (value.kind() == db::Value::Kind::Integer && value.asInteger() <= Exact &&
+        value.asInteger() >= -Exact)
+        value.appendTextTo(out);
+    else
+        db::Value::real(number(field)).appendTextTo(out);
+}
+
 } // namespace quillet::sync

@@ -25,6 +25,9 @@ public:
     /// @throws db::Error 94 for Null.
     double number(std::size_t field) const;
 
+    /// Appends the same as numberText() has it.
+    void appendNumberTo(std::string& out, std::size_t field) const;
+
 private:
     const db::Recordset& rows_;
 };

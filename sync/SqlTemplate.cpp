@@ -1,7 +1,6 @@
 #include "sync/SqlTemplate.h"
 
 #include "db/AsciiText.h"
-#include "sync/LeadingNumber.h"
 
 #include <algorithm>
 #include <charconv>
@@ -74,10 +73,13 @@ std::string SqlTemplate::render(const ServerRow& row,
             statement += db::trimmed(row.text(piece.index));
             break;
         case Kind::Number:
-            statement += numberText(row.number(piece.index));
+            row.appendNumberTo(statement, piece.index);
             break;
         case Kind::NumberOrZero:
-            statement += numberText(row.isNull(piece.index) ? 0 : row.number(piece.index));
+            if (row.isNull(piece.index))
+                statement += '0';
+            else
+                row.appendNumberTo(statement, piece.index);
             break;
         case Kind::Computed:
             statement += computed[piece.index];

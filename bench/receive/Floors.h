@@ -14,7 +14,8 @@ namespace quillet::bench {
 /// piece, so that it can take turns with what it is compared with.
 class ExecuteFloor {
 public:
-    /// Begins the transaction. The library is set as the counter's program sets it.
+    /// Opens the file as anyone would, and begins the transaction. What the counter's program has
+    /// set for the whole library holds here as well.
     explicit ExecuteFloor(const std::filesystem::path& store);
 
     void execute(const std::string& statement);

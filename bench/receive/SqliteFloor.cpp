@@ -1,4 +1,5 @@
 #include "bench/receive/Floors.h"
+#include "db/Paths.h"
 
 #include <stdexcept>
 
@@ -7,8 +8,10 @@ namespace quillet::bench {
 namespace {
 
 db::SqliteDatabase open(const std::filesystem::path& store) {
-    int result = SQLITE_OK;
-    db::SqliteDatabase database = db::openSqlite(store, SQLITE_OPEN_READWRITE, result);
+    sqlite3* opened = nullptr;
+    const int result =
+        sqlite3_open_v2(db::textOf(store).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+    db::SqliteDatabase database(opened);
     if (result != SQLITE_OK)
         throw std::runtime_error("the floor's store cannot be opened");
     return database;
