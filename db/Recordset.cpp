@@ -164,9 +164,10 @@ void Recordset::requireCurrent() const {
 }
 
 std::size_t Recordset::positionOf(std::string_view column) const {
-    const auto field = std::find_if(
-        fields_.begin(), fields_.end(),
-        [column](const Field& candidate) { return equalIgnoringCase(candidate.Name, column); });
+    const auto field =
+        std::find_if(fields_.begin(), fields_.end(), [column](const Field& candidate) {
+            return equalIgnoringCase(candidate.Name, column);
+        });
     if (field == fields_.end())
         failNotFound();
     return static_cast<std::size_t>(field - fields_.begin());

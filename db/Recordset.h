@@ -38,7 +38,8 @@ public:
 
     /// Reads the whole result of a query. The recordset stays closed when it throws.
     /// @param onlyColumn where it names one, the recordset has that column alone: looking keys up
-    ///        takes neither the time nor the memory of the others. The order of the rows may differ.
+    ///        takes neither the time nor the memory of the others. The order of the rows may
+    ///        differ.
     /// @throws Error 3709 on a closed connection, or what the database reported; 3265 for an
     ///         unknown column.
     void Open(const std::string& source, Connection& connection, std::string_view onlyColumn = {});

@@ -19,8 +19,8 @@ void appendIfAny(Run& run, std::optional<std::string> statement) {
 /// Reads the look-up rows' keys. A failed snapshot comes back closed; using it is the error, and
 /// what the store said of it tells the technician why.
 db::Recordset snapshot(Run& run, const Upsert& upsert) {
-    db::Recordset StoreRs = run.store().GET_RSS(
-        std::string(upsert.StoreSql), db::Recordset::columnOf(upsert.criteria.opening()));
+    db::Recordset StoreRs = run.store().GET_RSS(std::string(upsert.StoreSql),
+                                                db::Recordset::columnOf(upsert.criteria.opening()));
     if (run.store().Status() != 1)
         throw db::Error(db::number::ObjectClosed,
                         "Operation is not allowed when the object is closed. " +

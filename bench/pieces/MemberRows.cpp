@@ -9,8 +9,8 @@ namespace quillet::bench {
 namespace {
 
 constexpr std::array<const char*, 8> Texts{
-    "강한결", "새벗시 물푸레구 한들로 12", " ", "010-0000-1234", "", "m1234@example.com",
-    "2024-05-01",        "단골 -- 창가 자리"};
+    "강한결", "새벗시 물푸레구 한들로 12", " ",          "010-0000-1234",
+    "",       "m1234@example.com",         "2024-05-01", "단골 -- 창가 자리"};
 
 db::FieldList memberFields() {
     db::FieldList fields(40);
@@ -45,7 +45,8 @@ db::Recordset memberRows(int rows) {
             else if (i % 7 == 0)
                 row[i] = db::Value();
             else
-                row[i] = db::Value::text(Texts[(i + static_cast<std::size_t>(number)) % Texts.size()]);
+                row[i] =
+                    db::Value::text(Texts[(i + static_cast<std::size_t>(number)) % Texts.size()]);
         }
         result.addRow(row);
     }

@@ -30,14 +30,13 @@ QString q(const std::filesystem::path& path) {
 Counter::Counter(const Site& site, const std::string& address, const std::string& database)
     : settings_(q(folder_ / "config" / "quillet" / "settings.ini")),
       connectionString_(site.connectionString(database)) {
-    const std::vector<std::pair<std::string, std::string>> values{
-        {"1차서버", address},
-        {"개체명", "quorin.data"},
-        {"가맹점", "1000"},
-        {"카운터", "01"},
-        {"DB서버", site.databaseServer},
-        {"DBName", database},
-        {"DBUser", site.databaseUser}};
+    const std::vector<std::pair<std::string, std::string>> values{{"1차서버", address},
+                                                                  {"개체명", "quorin.data"},
+                                                                  {"가맹점", "1000"},
+                                                                  {"카운터", "01"},
+                                                                  {"DB서버", site.databaseServer},
+                                                                  {"DBName", database},
+                                                                  {"DBUser", site.databaseUser}};
     for (const auto& [key, value] : values)
         settings_.SaveSetting(sync::HeadOfficeApplication, "Settings", key, value);
     std::filesystem::create_directory(folder_ / "log");
@@ -62,8 +61,8 @@ WindowFigures Counter::receiveInWindow(bool againstFloors) {
     while (window.isVisible() && !(watch.hasBegun() && startButton->isEnabled()))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     if (window.isVisible())
-        throw std::runtime_error(
-            "the window says: " + window.findChild<QLabel*>("lbl_MSG")->text().toStdString());
+        throw std::runtime_error("the window says: " +
+                                 window.findChild<QLabel*>("lbl_MSG")->text().toStdString());
     const WindowFigures figures = watch.finish();
     db::DB_Control::StoreConnection.reset();
     return figures;

@@ -53,8 +53,7 @@ public:
         WindowFigures paired;
         ProcessFigures process;
         std::vector<std::function<void()>> steps{
-            [&] { paired = inWindow(large_, largeStore_, true); },
-            [&] { process = inProcess(); },
+            [&] { paired = inWindow(large_, largeStore_, true); }, [&] { process = inProcess(); },
             [&] { ofLarge_ = inWindow(large_, largeStore_); },
             [&] { ofSmall_ = inWindow(small_, smallStore_); }};
         if (backwards)
@@ -79,7 +78,7 @@ public:
     void report(Report& report) const {
         const auto worst = [this](const std::string& what, const std::string& unit,
                                   const std::vector<double>& samples, double target) {
-            return Figure{name_ + ": " + what,  unit, samples, target, Figure::Goal::AtMost,
+            return Figure{name_ + ": " + what,   unit, samples, target, Figure::Goal::AtMost,
                           Figure::Quote::Maximum};
         };
         const std::string sizes = std::to_string(ofLarge_.statements) + " statements against " +

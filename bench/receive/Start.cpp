@@ -42,9 +42,8 @@ void measureStart(Report& report, const Site& site, const Chain& chain, int roun
         std::cerr << "start (" << platform << ')' << std::endl;
         qputenv("QT_QPA_PLATFORM", platform);
         start(counter); // warms up
-        Figure figure{"process start to first painted window (" + std::string(platform) + ")",
-                      "ms",
-                      {}};
+        Figure figure{
+            "process start to first painted window (" + std::string(platform) + ")", "ms", {}};
         for (int round = 0; round < rounds; ++round)
             figure.samples.push_back(start(counter));
         report.add(std::move(figure));

@@ -69,8 +69,8 @@ void WindowWatch::batchBegins(const db::StatementArray& statements) {
             std::filesystem::copy_file(floors_->store, floors_->copy,
                                        std::filesystem::copy_options::overwrite_existing);
         });
-        figures_.F1 += stopClockFor(
-            [&] { executeFloor_ = std::make_unique<ExecuteFloor>(floors_->copy); });
+        figures_.F1 +=
+            stopClockFor([&] { executeFloor_ = std::make_unique<ExecuteFloor>(floors_->copy); });
     }
     since_ = lastPaint_ = now();
 }

@@ -60,8 +60,8 @@ void asInteger(OdbcColumn& column, DataType signedType, DataType unsignedType, b
 
 /// Texts and bytes do not count as of fixed length even where the column is: drivers deliver them
 /// without their padding, and a padded one could not be told from one that ends in blanks.
-void asVariable(OdbcColumn& column, DataType type, const Description& described,
-                SQLLEN octetLength, OdbcTexts texts) {
+void asVariable(OdbcColumn& column, DataType type, const Description& described, SQLLEN octetLength,
+                OdbcTexts texts) {
     column.field.Type = type;
     const bool bytes = type == DataType::Binary;
     const bool limited = described.size > 0 && described.size < NoLimit / 2;
@@ -190,8 +190,7 @@ OdbcColumn describeOdbcColumn(const OdbcHandle& statement, SQLUSMALLINT number, 
     described.isUnsigned = numericAttribute(statement, number, SQL_DESC_UNSIGNED) == SQL_TRUE;
     column.field.Name = utf8OfOdbc(name.data(), name.size(), nameLength);
     column.field.nullable = nullable != SQL_NO_NULLS;
-    setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH),
-            texts);
+    setType(column, described, numericAttribute(statement, number, SQL_DESC_OCTET_LENGTH), texts);
     // A zero date reads as Null even where the column allows none.
     if (column.cType == SQL_C_TYPE_DATE || column.cType == SQL_C_TYPE_TIMESTAMP)
         column.field.nullable = true;

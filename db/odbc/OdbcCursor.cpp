@@ -76,8 +76,8 @@ std::size_t OdbcCursor::rowsOfBlock(SQLHDBC connection) {
 
 void OdbcCursor::bindRows(std::size_t rows) {
     SQLHSTMT statement = statement_.get();
-    if (rows > 1 && !SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE,
-                                                   odbcAttribute(rows), 0)))
+    if (rows > 1 &&
+        !SQL_SUCCEEDED(SQLSetStmtAttrW(statement, SQL_ATTR_ROW_ARRAY_SIZE, odbcAttribute(rows), 0)))
         rows = 1;
     rowStatus_.resize(rows);
     statement_.check(

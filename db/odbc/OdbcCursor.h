@@ -54,8 +54,8 @@ private:
     FieldList fields_;
     mutable std::vector<Buffer> buffers_;
     std::vector<SQLUSMALLINT> rowStatus_;
-    SQLULEN fetched_ = 0; ///< rows in the block; the driver writes it
-    std::size_t row_ = 0; ///< current row of the block
+    SQLULEN fetched_ = 0;     ///< rows in the block; the driver writes it
+    std::size_t row_ = 0;     ///< current row of the block
     bool readsCells_ = false; ///< some columns are not bound
     bool atEnd_ = false;
 };

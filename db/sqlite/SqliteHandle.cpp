@@ -38,8 +38,7 @@ void stopCountingMemory() {
 SqliteDatabase openSqlite(const std::filesystem::path& file, int flags, int& result) {
     stopCountingMemory();
     sqlite3* opened = nullptr;
-    result =
-        sqlite3_open_v2(textOf(file).c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    result = sqlite3_open_v2(textOf(file).c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     return SqliteDatabase(opened);
 }
 

@@ -20,8 +20,8 @@ setup__packages=(
     g++ cmake ninja-build libboost-dev libsqlite3-dev qt6-base-dev unixodbc-dev
     # a head office: server, client, ODBC drivers
     mariadb-server-core mariadb-client-core odbc-mariadb libsqliteodbc unixodbc
-    # tests
-    libgtest-dev libgmock-dev
+    # tests and benchmarks
+    libgtest-dev libgmock-dev libbenchmark-dev
     # a display, a picture of it, Korean letters
     xvfb xauth x11-apps x11-utils imagemagick fonts-nanum sqlite3
 )

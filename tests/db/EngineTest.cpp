@@ -156,6 +156,16 @@ TEST_P(EngineTest, RunsOneStatementOrNone) {
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR ; \r\n"), "2|");
 }
 
+TEST_P(EngineTest, KeepsTheOneColumnThatIsWanted) {
+    Recordset rows;
+    rows.Open(" SELECT PR_NAME, BAS_CODE, PR_CODE FROM PR ", connection_, "PR_CODE");
+    ASSERT_EQ(rows.Fields().size(), 1U);
+    rows.Find("PR_CODE = 'a2'"); // by the comparison of the column it comes from
+    EXPECT_EQ(rows.Eof() ? "not found" : rows.Item(0).toText(), "A2");
+    EXPECT_THROW(rows.Open(" SELECT PR_NAME FROM PR ", connection_, "PR_CODE"), Error);
+    EXPECT_FALSE(rows.IsOpen());
+}
+
 TEST_P(EngineTest, ReadsManyAndLongRows) {
     connection_.Execute("CREATE TABLE LINES (N INTEGER, SHORT VARCHAR(20), LONGER TEXT)");
     connection_.Execute(

@@ -146,6 +146,16 @@ TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
     }
 }
 
+TEST_F(OdbcMariaDbTest, ReadsTextsWhereNarrowOnesAreNotUtf8) {
+    create("C VARCHAR(20), L TEXT");
+    connection_.Execute("INSERT INTO engine_test VALUES ('한결 밥상', '긴 글')");
+    const std::string query = "SELECT C, L, '' FROM engine_test";
+    EXPECT_EQ(cells(connection_, query), "한결 밥상|긴 글||");
+    Connection korean; // what an old driver's narrow texts are in
+    korean.Open(std::string(std::getenv("QUILLET_TEST_MARIADB")) + ";CHARSET=euckr");
+    EXPECT_EQ(cells(korean, query), "한결 밥상|긴 글||");
+}
+
 TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
     create("D DECIMAL(12,3), T DATETIME(3), V VARCHAR(20) NOT NULL, L MEDIUMTEXT");
     connection_.Execute(
