@@ -27,7 +27,7 @@ void ServerRow::appendNumberTo(std::string& out, std::size_t field) const {
         value.asInteger() >= -Exact)
         value.appendTextTo(out);
     else
-        db::Value::real(number(field)).appendTextTo(out);
+        out += numberText(number(field));
 }
 
 } // namespace quillet::sync

@@ -25,8 +25,8 @@ void measureReply(Report& report, const Site& site, const Chain& chain);
 void measureCounters(Report& report, const Site& site, const Chain& chain, int counters,
                      int rounds);
 
-/// `Find` against a scan, on a recordset of keys.
-void measureFind(Report& report, int rows);
+/// `Find` against a scan, on a recordset of so many keys.
+void measureFind(Report& report, int count);
 
 /// From the start of the process to the first painted window.
 void measureStart(Report& report, const Site& site, const Chain& chain, int rounds);

@@ -9,6 +9,8 @@
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace quillet::bench {
 

@@ -6,6 +6,8 @@
 
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace quillet::bench {
 
