@@ -69,10 +69,7 @@ public:
 private:
     template <typename Number>
     void number(Number value) {
-        char run[sizeof(Number)];
-        for (std::size_t i = 0; i < sizeof(Number); ++i)
-            run[i] = static_cast<char>(static_cast<std::uint64_t>(value) >> (8 * i));
-        bytes_.append(run, sizeof(Number));
+        low(value, sizeof(Number));
     }
 
     std::string bytes_;

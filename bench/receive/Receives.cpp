@@ -1,13 +1,11 @@
 #include "bench/receive/Counter.h"
 #include "bench/receive/HeadOfficeProcess.h"
 #include "bench/receive/Measurements.h"
-
-#include <sqlite3.h>
+#include "db/sqlite/SqliteHandle.h"
 
 #include <algorithm>
 #include <functional>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -20,14 +18,13 @@ namespace fs = std::filesystem;
 
 /// Makes everything in a received store look long out of date, so that all of it comes again.
 void ageStamps(const fs::path& store) {
-    sqlite3* opened = nullptr;
-    sqlite3_open(store.string().c_str(), &opened);
-    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, sqlite3_close);
+    int result = SQLITE_OK;
+    const db::SqliteDatabase database = db::openSqlite(store, SQLITE_OPEN_READWRITE, result);
     constexpr const char* Old = "UPDATE UPD SET UPD_PR = '2000-01-01', UPD_CT = '2000-01-01', "
                                 "UPD_USR = '2000-01-01', UPD_BAS = '2000-01-01', "
                                 "UPD_FN = '2000-01-01'";
-    if (sqlite3_exec(opened, Old, nullptr, nullptr, nullptr) != SQLITE_OK)
-        throw std::runtime_error(sqlite3_errmsg(opened));
+    if (sqlite3_exec(database.get(), Old, nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw std::runtime_error(sqlite3_errmsg(database.get()));
 }
 
 /// Of one kind, always from the same stores.
