@@ -4,13 +4,17 @@
 #include "rds/http/HttpClient.h"
 
 #include <string>
+#include <utility>
 
 namespace quillet::rds {
 
 /// The portable stand-in for the `RDS.DataSpace` object: makes proxies of server-side objects.
 class DataSpace {
 public:
-    explicit DataSpace(HttpClient::Timeouts timeouts = {}) : timeouts_(timeouts) {}
+    /// @param whileWaiting see HttpClient; for the calls of every proxy.
+    explicit DataSpace(HttpClient::Timeouts timeouts = {},
+                       HttpClient::WhileWaiting whileWaiting = nullptr)
+        : timeouts_(timeouts), whileWaiting_(std::move(whileWaiting)) {}
 
     /// Makes a proxy; the server is not asked before the first call.
     /// @param progId of the server-side object.
@@ -21,6 +25,7 @@ public:
 
 private:
     HttpClient::Timeouts timeouts_;
+    HttpClient::WhileWaiting whileWaiting_;
 };
 
 } // namespace quillet::rds

@@ -77,7 +77,8 @@ std::optional<ServerAddress> addressOf(std::string_view server) {
 
 /// All addresses of a host. The system's look-up cannot be interrupted: one that takes too long
 /// is left to end on its own.
-std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::duration timeout) {
+std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::duration timeout,
+                                        const HttpClient::WhileWaiting& whileWaiting) {
     error_code notNumeric;
     const auto numeric = asio::ip::make_address(server.host, notNumeric);
     if (!notNumeric)
@@ -96,23 +97,30 @@ std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::dura
             promise.set_exception(std::current_exception());
         }
     }).detach();
-    if (found.wait_for(timeout) != std::future_status::ready)
-        return {beast::error::timeout, {}};
+    const auto deadline = Clock::now() + timeout;
+    while (found.wait_for(TimedStream::Patience) != std::future_status::ready) {
+        if (Clock::now() >= deadline)
+            return {beast::error::timeout, {}};
+        if (whileWaiting)
+            whileWaiting();
+    }
     return found.get();
 }
 
 /// One request and its reply over a connection of its own.
 class Exchange {
 public:
-    Exchange(std::string server, HttpClient::Timeouts timeouts)
-        : server_(std::move(server)), timeouts_(timeouts) {}
+    Exchange(std::string server, HttpClient::Timeouts timeouts,
+             const HttpClient::WhileWaiting& whileWaiting)
+        : server_(std::move(server)), timeouts_(timeouts), whileWaiting_(whileWaiting),
+          stream_(whileWaiting) {}
 
     void connect() {
         const auto address = addressOf(server_);
         if (!address)
             fail("not a server address");
         const auto deadline = Clock::now() + timeouts_.connect;
-        auto [error, endpoints] = lookUp(*address, timeouts_.connect);
+        auto [error, endpoints] = lookUp(*address, timeouts_.connect, whileWaiting_);
         if (!error && endpoints.empty())
             error = asio::error::host_not_found;
         // A dead address must not use up the time of those behind it.
@@ -183,6 +191,7 @@ private:
 
     std::string server_;
     HttpClient::Timeouts timeouts_;
+    const HttpClient::WhileWaiting& whileWaiting_;
     TimedStream stream_;
 };
 
@@ -191,7 +200,7 @@ private:
 std::string HttpClient::post(const std::string& server, const std::string& path,
                              const std::string& body) {
     try {
-        Exchange exchange(server, timeouts_);
+        Exchange exchange(server, timeouts_, whileWaiting_);
         exchange.connect();
         exchange.send(requestHead(server, path, body.size()), body);
         return exchange.receive();

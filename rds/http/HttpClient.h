@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace quillet::rds {
 
@@ -21,8 +23,13 @@ public:
         std::chrono::seconds read{180}; ///< without a byte from the server
     };
 
+    /// Called on the caller's thread again and again while a server is waited for, so that a
+    /// window can stay alive. Must not throw.
+    using WhileWaiting = std::function<void()>;
+
     HttpClient() = default;
-    explicit HttpClient(Timeouts timeouts) : timeouts_(timeouts) {}
+    explicit HttpClient(Timeouts timeouts, WhileWaiting whileWaiting = nullptr)
+        : timeouts_(timeouts), whileWaiting_(std::move(whileWaiting)) {}
 
     /// Sends a body and returns the whole body of the reply. Accepts replies with Content-Length,
     /// chunked, or ended by the close of the connection, and skips `100 Continue`.
@@ -40,6 +47,7 @@ public:
 
 private:
     Timeouts timeouts_;
+    WhileWaiting whileWaiting_;
 };
 
 } // namespace quillet::rds

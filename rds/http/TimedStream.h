@@ -13,6 +13,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -25,8 +26,14 @@ class TimedStream {
 public:
     using Duration = std::chrono::steady_clock::duration;
 
-    static constexpr std::uint32_t MaxHead = 64U << 10U; ///< bytes of a message's head
-    static constexpr std::size_t PieceSize = 64U << 10U; ///< bytes that are read at once
+    static constexpr std::uint32_t MaxHead = 64U << 10U;     ///< bytes of a message's head
+    static constexpr std::size_t PieceSize = 64U << 10U;     ///< bytes that are read at once
+    static constexpr std::chrono::milliseconds Patience{20}; ///< between two calls of whileWaiting
+
+    TimedStream() = default;
+    /// @param whileWaiting called during and after every wait, from the same thread; may be empty.
+    explicit TimedStream(std::function<void()> whileWaiting)
+        : whileWaiting_(std::move(whileWaiting)) {}
 
     boost::asio::io_context& context() noexcept { return context_; }
     boost::beast::tcp_stream& stream() noexcept { return stream_; }
@@ -40,7 +47,14 @@ public:
         stream_.expires_after(timeout);
         start([&result](boost::system::error_code error, auto&&...) { result = error; });
         context_.restart();
-        context_.run();
+        if (!whileWaiting_) {
+            context_.run();
+            return result;
+        }
+        do {
+            context_.run_for(Patience);
+            whileWaiting_();
+        } while (!context_.stopped());
         return result;
     }
 
@@ -79,6 +93,7 @@ public:
     }
 
 private:
+    std::function<void()> whileWaiting_;
     boost::asio::io_context context_{1};
     boost::beast::tcp_stream stream_{context_};
     boost::beast::flat_buffer received_{MaxHead + PieceSize};
