@@ -15,13 +15,14 @@ namespace {
 
 constexpr std::string_view AccessDriver = "Microsoft Access Driver (*.mdb)";
 
-std::unique_ptr<Engine> openEngine(const std::string& text) {
-    const ConnectionString connectionString(text);
+std::filesystem::path fileOf(const ConnectionString& connectionString) {
+    return pathOf(connectionString.value("DefaultDir")) / pathOf(connectionString.value("Dbq"));
+}
+
+std::unique_ptr<Engine> openEngine(const ConnectionString& connectionString) {
     const std::string driver = connectionString.value("Driver");
-    if (equalIgnoringCase(driver, AccessDriver) && !OdbcEngine::knowsDriver(driver)) {
-        const auto folder = pathOf(connectionString.value("DefaultDir"));
-        return std::make_unique<SqliteEngine>(folder / pathOf(connectionString.value("Dbq")));
-    }
+    if (equalIgnoringCase(driver, AccessDriver) && !OdbcEngine::knowsDriver(driver))
+        return std::make_unique<SqliteEngine>(fileOf(connectionString));
     return std::make_unique<OdbcEngine>(connectionString.without("PROVIDER"));
 }
 
@@ -77,7 +78,9 @@ auto Connection::guarded(Operation operation) {
 
 void Connection::Open(const std::string& connectionString) {
     // An engine that is already open stays when the new one cannot be opened.
-    guarded([&] { engine_ = openEngine(connectionString); });
+    const ConnectionString parts(connectionString);
+    guarded([&] { engine_ = openEngine(parts); });
+    fileAtRisk_ = engine_->keepsTransactionsWhole() ? std::filesystem::path() : fileOf(parts);
 }
 
 void Connection::Execute(const std::string& statement) {

@@ -4,6 +4,7 @@
 #include "db/Engine.h"
 #include "db/Error.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,6 +44,10 @@ public:
 
     bool IsOpen() const noexcept { return engine_ != nullptr; }
 
+    /// The database's file, `Dbq` in `DefaultDir`, where its engine does not vouch for large
+    /// transactions; otherwise empty.
+    const std::filesystem::path& fileAtRisk() const noexcept { return fileAtRisk_; }
+
     const std::vector<ErrorRecord>& Errors() const noexcept { return errors_; }
 
 private:
@@ -50,6 +55,7 @@ private:
     auto guarded(Operation operation);
 
     std::unique_ptr<Engine> engine_;
+    std::filesystem::path fileAtRisk_;
     std::vector<ErrorRecord> errors_;
 };
 

@@ -25,6 +25,9 @@ public:
         return query(source);
     }
 
+    /// Whether a transaction of any size is all or nothing, whatever happens.
+    virtual bool keepsTransactionsWhole() const noexcept { return false; }
+
     virtual void begin() = 0;
     virtual void commit() = 0;
     virtual void rollback() = 0;

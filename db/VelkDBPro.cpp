@@ -108,6 +108,7 @@ void VelkDBPro::PUT_DATA(const StatementArray& SQL, std::int16_t /*transactionSw
     } catch (const std::exception&) {
         const Error error = currentError();
         failWith(error);
+        failedIndex_ = i;
         try {
             WriteDailyLog(error.Description(), "수신에러", i < SQL.size() ? SQL[i] : "", "", "");
         } catch (const Error&) {

@@ -6,7 +6,9 @@
 #include "db/Recordset.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -44,6 +46,13 @@ public:
     std::int16_t Status() const noexcept { return StatusFlag; }
 
     const std::string& errorText() const noexcept { return ErrText; }
+
+    /// Where the latest PUT_DATA failed: the index of the statement; the array's size when all ran
+    /// and the commit was refused.
+    std::size_t failedIndex() const noexcept { return failedIndex_; }
+
+    /// See Connection::fileAtRisk().
+    const std::filesystem::path& fileAtRisk() const noexcept { return Conn.fileAtRisk(); }
 
     /// Reads a query's rows, to look keys up in. After a failure the recordset is closed, not
     /// absent: ask Status(). A success deliberately leaves ErrText as it was.
@@ -90,6 +99,7 @@ private:
     std::int16_t StatusFlag = 0;
     std::string ErrText;
 
+    std::size_t failedIndex_ = 0;
     DailyLog dailyLog_;
     Yield yield_;
 };

@@ -6,6 +6,13 @@ namespace quillet::sync {
 
 namespace {
 
+/// A yield costs about as much as a row.
+void yieldNowAndThen(Run& run) {
+    constexpr std::size_t Statements = 32;
+    if (run.statements.size() % Statements == 0)
+        run.yield();
+}
+
 /// The element of the statement array that a failure logs: the one at the handled-row counter.
 std::string loggedStatement(const Run& run, std::size_t handledRows) {
     return handledRows < run.statements.size() ? run.statements[handledRows] : std::string();
@@ -42,8 +49,10 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
 
     if (StoreRs.Eof()) {
         const auto& insert = upsert.firstFill ? upsert.firstFill : upsert.insert;
-        for (; !ServerRs.Eof(); ServerRs.MoveNext())
+        for (; !ServerRs.Eof(); ServerRs.MoveNext()) {
             appendIfAny(run, insert(row));
+            yieldNowAndThen(run);
+        }
         return;
     }
     for (; !ServerRs.Eof(); ServerRs.MoveNext()) {
@@ -55,6 +64,7 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
             run.append(upsert.update(row));
         if (upsert.countsRows)
             ++handledRows;
+        yieldNowAndThen(run);
     }
 }
 
@@ -67,9 +77,7 @@ bool guardReceiver(Run& run, std::string_view title,
         steps(handledRows);
         return true;
     } catch (const std::exception&) {
-        const db::Error error = db::currentError();
-        run.WriteDownloadLog(std::string(title), loggedStatement(run, handledRows), error.Number(),
-                             error.Description());
+        run.fail(std::string(title), loggedStatement(run, handledRows), db::currentError());
         return false;
     }
 }

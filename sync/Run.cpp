@@ -17,7 +17,7 @@ Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, 
 
 rds::RemoteObject Run::createObject(const std::string& progId) {
     if (!DataSpace)
-        DataSpace.emplace();
+        DataSpace.emplace(rds::HttpClient::Timeouts{}, [this] { yield(); });
     return DataSpace->CreateObject(progId, "http://" + headOffice.serverAddress);
 }
 
@@ -37,6 +37,12 @@ bool Run::executeOnServer(db::StatementArray serverStatements) {
     std::string errorText;
     std::string connectionString = headOffice.connectionString;
     return CommandObj.PUTSQL(serverStatements, errorText, connectionString);
+}
+
+void Run::fail(const std::string& title, const std::string& statement, const db::Error& error) {
+    WriteDownloadLog(title, statement, error.Number(), error.Description());
+    failure =
+        Failure{title, statement, std::to_string(error.Number()) + " : " + error.Description()};
 }
 
 void Run::WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,

@@ -2,6 +2,7 @@
 
 #include "db/Clock.h"
 #include "db/DownloadLog.h"
+#include "db/Error.h"
 #include "db/Recordset.h"
 #include "db/VelkDBPro.h"
 #include "rds/DataSpace.h"
@@ -11,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,6 +24,13 @@ inline constexpr std::size_t Groups = 5;
 
 /// Which groups are ticked.
 using Ticks = std::array<bool, Groups>;
+
+/// Why a run failed, for the person in front of it: what the log holds.
+struct Failure {
+    std::string title;     ///< the receiver's, or the group's whose statement was refused
+    std::string statement; ///< the statement in question, if there is one
+    std::string error;     ///< "number : description"
+};
 
 /// Where the head office is, as start-up read it from the settings.
 struct HeadOffice {
@@ -49,9 +58,17 @@ public:
     std::int32_t RowTotal = 0;
     db::GroupCounts groupCounts{};
 
+    /// Lets the window handle what is waiting for it. The run calls it while it waits for the
+    /// server and between rows.
+    std::function<void()> yield = [] {};
+
+    /// Why the latest run failed, if it did.
+    std::optional<Failure> failure;
+
     /// Server time of the last receive of each group; empty until read, or never received.
     std::array<std::string, Groups> stamps;
     bool stampRowExists = false;
+    std::string newStamp; ///< server time of this run
 
     std::string priceOptionFlag; ///< "Y": prices are the stores' own
     std::string priceOptionMode;
@@ -83,6 +100,9 @@ public:
     /// The store code as the settings have it. Deliberately "" when they have none, where start-up
     /// puts "1000" into headOffice.
     std::string storeCodeSetting() const { return headOfficeSetting(settings_, "가맹점"); }
+
+    /// Takes a failure down: in the download log, where its folder exists, and in `failure`.
+    void fail(const std::string& title, const std::string& statement, const db::Error& error);
 
     /// Writes to the download log, where its folder exists.
     void WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,

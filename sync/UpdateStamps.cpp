@@ -2,6 +2,8 @@
 
 #include "sync/Receiver.h"
 
+#include <algorithm>
+
 namespace quillet::sync {
 
 namespace {
@@ -44,24 +46,31 @@ std::string insertStatement(const Ticks& ticked, const std::string& stamp) {
 
 } // namespace
 
-void ReadStamps(Run& run) {
+std::optional<Stamps> storedStamps(db::VelkDBPro& store) {
     db::TextTable FD;
     std::int32_t FDROW = 0;
     std::int32_t FDCOL = 0;
-    run.store().GET_DATA(" SELECT UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN FROM UPD ", FD, FDROW,
-                         FDCOL);
+    store.GET_DATA(" SELECT UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN FROM UPD ", FD, FDROW, FDCOL);
     if (FDROW < 1)
+        return std::nullopt;
+    Stamps stamps;
+    std::copy_n(FD[1].begin(), Groups, stamps.begin());
+    return stamps;
+}
+
+void ReadStamps(Run& run) {
+    const auto stamps = storedStamps(run.store());
+    if (!stamps)
         return;
     run.stampRowExists = true;
-    for (std::size_t i = 0; i < Groups; ++i)
-        run.stamps[i] = FD[1][i];
+    run.stamps = *stamps;
 }
 
 bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title) {
     return guardReceiver(run, title, [&](std::size_t& /*handledRows*/) {
-        const std::string stamp = stampText(run);
-        run.append(run.stampRowExists ? updateStatement(ticked, stamp)
-                                      : insertStatement(ticked, stamp));
+        run.newStamp = stampText(run);
+        run.append(run.stampRowExists ? updateStatement(ticked, run.newStamp)
+                                      : insertStatement(ticked, run.newStamp));
     });
 }
 

@@ -2,12 +2,21 @@
 
 #include "sync/Run.h"
 
+#include <array>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace quillet::sync {
 
 /// The update stamps make receiving incremental: per data group the server's time of the last run
 /// that received it, kept in the single row of the store table `UPD`.
+
+/// The columns of `UPD`, in the order of the groups.
+using Stamps = std::array<std::string, Groups>;
+
+/// The store's stamps; none when `UPD` has no row, or cannot be read: ask Status().
+std::optional<Stamps> storedStamps(db::VelkDBPro& store);
 
 /// Reads the stamps into the run. A store without a row leaves them empty, and its next stamp
 /// statement is an INSERT.

@@ -36,6 +36,8 @@ public:
     std::unique_ptr<Cursor> queryColumn(const std::string& source,
                                         const std::string& column) override;
 
+    bool keepsTransactionsWhole() const noexcept override { return true; }
+
     /// Takes the write lock at once, so that no later statement can fail for want of it.
     void begin() override;
     void commit() override;
