@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include <algorithm>
+
 namespace quillet::app {
 
 PacedControl::PacedControl(PacedDisplay& display) {
@@ -47,9 +49,21 @@ void ProgressBarControl::SetValue(std::int32_t value) {
     changed();
 }
 
+void ProgressBarControl::setLook(Look look) {
+    look_ = look;
+    changed();
+}
+
 void ProgressBarControl::apply() {
-    widget_.setRange(min_, max_);
-    widget_.setValue(value_);
+    if (look_ == Look::Busy) {
+        widget_.setRange(0, 0);
+        return;
+    }
+    widget_.setRange(min_, std::max(max_, min_ + 1));
+    const std::int32_t full = widget_.maximum();
+    widget_.setValue(look_ == Look::Full   ? full
+                     : look_ == Look::Held ? std::min(value_, full - 1)
+                                           : value_);
 }
 
 PacedDisplay::PacedDisplay() {

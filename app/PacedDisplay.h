@@ -56,6 +56,15 @@ public:
     std::int32_t Value() const override { return value_; }
     void SetValue(std::int32_t value) override;
 
+    /// What the widget makes of the value.
+    enum class Look {
+        Plain,
+        Busy, ///< moves without an end: nobody knows how much there is
+        Held, ///< never full: what has been done can still be undone
+        Full
+    };
+    void setLook(Look look);
+
 private:
     void apply() override;
 
@@ -63,6 +72,7 @@ private:
     std::int32_t min_ = 0;
     std::int32_t max_ = 100;
     std::int32_t value_ = 0;
+    Look look_ = Look::Plain;
 };
 
 /// Shows what the controls hold at most about 30 times a second while a batch runs: a repaint per

@@ -8,6 +8,14 @@
 
 namespace quillet::app {
 
+/// How far a run is, beyond what bars and counters say.
+enum class RunPhase {
+    Collecting, ///< the server is asked; nobody knows yet how much there is
+    Writing,    ///< the batch runs; it is not in the store before it is committed
+    Committed,  ///< everything is in the store
+    Failed      ///< the status line says what
+};
+
 /// The main window as the run driver sees it. Controls carry the window's names and indexes.
 class ReceiveView {
 public:
@@ -21,6 +29,8 @@ public:
     virtual db::Label& Label3(std::size_t index) = 0;
     virtual db::Label& groupText() = 0; ///< `Label2(5)`
     virtual db::Label& lbl_MSG() = 0;   ///< the status line
+
+    virtual void showPhase(RunPhase phase) = 0;
 
     /// Hourglass or the default pointer, for the whole screen of the program.
     virtual void setHourglass(bool on) = 0;

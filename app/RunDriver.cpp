@@ -37,6 +37,7 @@ struct Step {
 struct GroupSteps {
     std::span<const Step> steps;
     const char* title; ///< under which the download log has a query made for the whole group
+    const char* name;  ///< for people
 };
 
 bool readSettingsFlags(sync::Run& run) {
@@ -76,12 +77,12 @@ constexpr std::array BusinessInformation{
 
 /// In the order in which the groups are received. The last one has no checkbox.
 constexpr std::array<GroupSteps, sync::Groups + 1> AllGroups{
-    {{Menu, receivers::CategoriesTitle},
-     {Members, receivers::MembersTitle},
-     {Users, receivers::UsersTitle},
-     {Settings, receivers::GlobalSettingsTitle},
-     {AccountTitles, receivers::AccountTitlesTitle},
-     {BusinessInformation, receivers::BusinessInformationTitle}}};
+    {{Menu, receivers::CategoriesTitle, "품목"},
+     {Members, receivers::MembersTitle, "회원"},
+     {Users, receivers::UsersTitle, "사용자"},
+     {Settings, receivers::GlobalSettingsTitle, "설정"},
+     {AccountTitles, receivers::AccountTitlesTitle, "계정과목"},
+     {BusinessInformation, receivers::BusinessInformationTitle, "사업자"}}};
 
 /// Business information is received whatever is ticked.
 bool isReceived(const sync::Ticks& ticks, std::size_t group) {
@@ -106,6 +107,7 @@ std::int32_t sumBefore(const db::GroupCounts& counts, std::size_t group) {
 
 bool RunDriver::fail(const char* text) {
     view_.lbl_MSG().SetCaption(text);
+    view_.showPhase(RunPhase::Failed);
     view_.setHourglass(false);
     return false;
 }
@@ -114,17 +116,23 @@ RunDriver::Result RunDriver::receive() {
     view_.PBar1(0).SetValue(0);
     view_.PBar1(1).SetValue(0);
     view_.setHourglass(true);
+    view_.showPhase(RunPhase::Collecting);
     run_.clearStatements();
     run_.DelList.assign(1, std::string());
-    if (!collect())
+    run_.failure.reset();
+    sync::StoreSafeguard safeguard(run_);
+    safeguard.begin();
+    if (!collect()) {
+        safeguard.abandon();
         return Result::Failed;
+    }
 
     if (run_.upperBound() < 1) {
         view_.inform("기초자료 수신 자료가 없습니다\r\r\n이미 기초자료 업데이트 상태입니다",
                      "자료수신 완료");
         return Result::NothingToReceive; // the pointer stays; the window closes next
     }
-    return execute();
+    return execute(safeguard);
 }
 
 bool RunDriver::collect() {
@@ -134,10 +142,12 @@ bool RunDriver::collect() {
         return fail(first.steps.front().failureText);
 
     for (std::size_t group = 0; group < AllGroups.size(); ++group) {
-        if (isReceived(ticks, group))
+        if (isReceived(ticks, group)) {
+            view_.groupText().SetCaption(AllGroups[group].name + std::string(" 자료 확인 중"));
             for (const Step& step : AllGroups[group].steps)
                 if (!step.receive(run_))
                     return fail(step.failureText);
+        }
         run_.groupCounts[group] = run_.upperBound() - sumBefore(run_.groupCounts, group);
     }
 
@@ -146,7 +156,9 @@ bool RunDriver::collect() {
     return true;
 }
 
-RunDriver::Result RunDriver::execute() {
+RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
+    safeguard.expectRows();
+    view_.showPhase(RunPhase::Writing);
     view_.Label3(0).SetCaption(std::to_string(run_.RowTotal));
     view_.PBar1(0).SetMin(0);
     view_.PBar1(0).SetMax(run_.RowTotal);
@@ -154,17 +166,35 @@ RunDriver::Result RunDriver::execute() {
     run_.store().PUT_DATA(run_.statements, 1, view_.PBar1(0), view_.PBar1(1), view_.Label3(1),
                           view_.Label3(3), view_.Label3(2), view_.groupText(), run_.groupCounts);
     run_.observer().batchEnded();
+    const bool committed = run_.store().Status() == 1;
+    if (!committed)
+        takeFailureDown();
+    const bool whole = safeguard.verify(committed);
     view_.setHourglass(false);
-    if (run_.store().Status() != 1) {
+    if (!committed || !whole) {
         view_.PBar1(0).SetValue(0);
         view_.PBar1(1).SetValue(0);
         fail("기초자료 수신 실패했습니다");
         return Result::Failed;
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
+    view_.showPhase(RunPhase::Committed);
     sync::SweepReceivedRows(run_);
     receiveStoreSettings();
     return Result::Received;
+}
+
+/// The daily log has it already; this is for the window.
+void RunDriver::takeFailureDown() {
+    const std::size_t index = run_.store().failedIndex();
+    const bool refused = index > 0 && index < run_.statements.size();
+    std::size_t group = 0;
+    while (group<sync::Groups&& static_cast<std::int32_t>(index)> sumBefore(run_.groupCounts,
+                                                                            group + 1))
+        ++group;
+    run_.failure =
+        sync::Failure{refused ? AllGroups[group].name + std::string(" 저장") : std::string("저장"),
+                      refused ? run_.statements[index] : std::string(), run_.store().errorText()};
 }
 
 /// Outside the run's transaction: the base data is in the store, whatever comes of this.
@@ -179,8 +209,8 @@ void RunDriver::receiveStoreSettings() {
     // The window closes and the stamp has moved on: nobody would ever know. The text begins with
     // the error's number.
     const std::string& failure = run_.store().errorText();
-    run_.WriteDownloadLog(receivers::StoreSettingsTitle, "",
-                          static_cast<long>(sync::leadingNumber(failure)), failure);
+    run_.fail(receivers::StoreSettingsTitle, "",
+              db::Error(static_cast<long>(sync::leadingNumber(failure)), failure));
 }
 
 } // namespace quillet::app

@@ -2,6 +2,7 @@
 
 #include "app/ReceiveView.h"
 #include "sync/Run.h"
+#include "sync/StoreSafeguard.h"
 
 #include <cstdint>
 
@@ -24,7 +25,8 @@ public:
 
 private:
     bool collect();
-    Result execute();
+    Result execute(sync::StoreSafeguard& safeguard);
+    void takeFailureDown();
     void receiveStoreSettings();
     bool fail(const char* text);
 

@@ -1,79 +1,111 @@
 #include "app/WindowControls.h"
 
-#include "app/FlatProgressBar.h"
+#include "app/Appearance.h"
+#include "app/widgets/FlatProgressBar.h"
+#include "app/widgets/GroupTile.h"
+#include "app/widgets/TouchButton.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <QWidget>
+
+#include <cmath>
+#include <utility>
 
 namespace quillet::app {
 
 namespace {
 
-// Sizes in logical pixels: characters of 20 and more are read at arm's length, and a finger needs
-// about 48.
-constexpr int TitleSize = 30;
-constexpr int TextSize = 20;
-constexpr int SmallSize = 14;
-constexpr int TouchHeight = 56;
-constexpr int BarHeight = 30;
+// Sizes in logical pixels at full size. Read at 1.5 m, a letter needs about 7 mm: 24 pixels on the
+// screens that counters have. A finger needs about 15 mm, 48 pixels.
+constexpr int TitleSize = 34;
+constexpr int TextSize = 26;
+constexpr int LeadSize = 30; ///< what is going on, and what happened
+constexpr int SmallSize = 18;
+constexpr int TouchHeight = 68;
+constexpr int BarHeight = 26;
 constexpr int Margin = 36;
+constexpr int Gap = 18;
 
-void setTextSize(QWidget& widget, int pixels, bool bold = false) {
-    QFont font = widget.font();
-    font.setPixelSize(pixels);
-    font.setBold(bold);
-    widget.setFont(font);
-}
+enum Page { Progress, Reason };
 
 template <typename Widget>
 void nameIt(Widget& widget, const char* name, std::size_t index) {
     widget.setObjectName(QStringLiteral("%1(%2)").arg(QLatin1String(name)).arg(index));
 }
 
-QLabel* label(const QString& text, int size, bool bold = false) {
-    auto* result = new QLabel(text);
-    result->setTextFormat(Qt::PlainText);
-    setTextSize(*result, size, bold);
-    return result;
+template <typename Layout>
+Layout* plainLayout(QWidget* box) {
+    auto* layout = new Layout(box);
+    layout->setContentsMargins(0, 0, 0, 0);
+    return layout;
 }
 
 } // namespace
 
-WindowControls::WindowControls(QWidget& window, const QString& version) {
+WindowControls::WindowControls(QWidget& window, const QString& version, double scale)
+    : scale_(scale) {
     auto* layout = new QVBoxLayout(&window);
-    layout->setContentsMargins(Margin, Margin - 8, Margin, Margin - 8);
-    layout->setSpacing(22);
+    layout->setContentsMargins(px(Margin), px(Margin - 8), px(Margin), px(Margin - 4));
+    layout->setSpacing(px(Gap));
     layout->addWidget(header(version));
     layout->addWidget(groups());
-    layout->addWidget(progress());
 
-    lbl_MSG = label(QString(), TextSize, true);
+    card_ = new Card;
+    card_->addWidget(progress());
+    card_->addWidget(failurePage());
+    layout->addWidget(card_, 1);
+
+    lbl_MSG = new StatusLine;
+    lbl_MSG->setTextFormat(Qt::PlainText);
+    setTextSize(*lbl_MSG, LeadSize, true);
     lbl_MSG->setObjectName(QStringLiteral("lbl_MSG"));
-    lbl_MSG->setMinimumHeight(TouchHeight);
-    lbl_MSG->setAlignment(Qt::AlignCenter);
-    lbl_MSG->setWordWrap(true);
+    lbl_MSG->setFixedHeight(px(TouchHeight));
     lbl_MSG->setAccessibleName(QStringLiteral("수신 상태"));
     layout->addWidget(lbl_MSG);
-    layout->addStretch(1);
     layout->addWidget(buttons());
 
+    for (std::size_t i = 0; i < Check1.size(); ++i) {
+        auto* shortcut =
+            new QShortcut(QKeySequence(Qt::ALT | (Qt::Key_1 + static_cast<int>(i))), &window);
+        QObject::connect(shortcut, &QShortcut::activated, Check1[i], &QCheckBox::click);
+    }
     for (std::size_t i = 0; i < bars.size(); ++i)
         bars[i] = std::make_unique<ProgressBarControl>(display, *PBar1[i]);
     for (std::size_t i = 0; i < counters.size(); ++i)
         counters[i] = std::make_unique<LabelControl>(display, *Label3[i]);
     groupText = std::make_unique<LabelControl>(display, *Label2[5]);
     message = std::make_unique<LabelControl>(display, *lbl_MSG);
+    Cmd1[0]->setFocus();
+}
+
+int WindowControls::px(int atFullSize) const {
+    return static_cast<int>(std::lround(atFullSize * scale_));
+}
+
+void WindowControls::setTextSize(QWidget& widget, int pixels, bool bold) const {
+    QFont font = widget.font();
+    font.setPixelSize(px(pixels));
+    font.setBold(bold);
+    widget.setFont(font);
+}
+
+QLabel* WindowControls::label(const QString& text, int size, bool bold) const {
+    auto* result = new QLabel(text);
+    result->setTextFormat(Qt::PlainText);
+    setTextSize(*result, size, bold);
+    return result;
 }
 
 QWidget* WindowControls::header(const QString& version) {
     auto* box = new QWidget;
-    auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto* row = plainLayout<QHBoxLayout>(box);
     Label2[0] = label(QStringLiteral("기초자료 수신"), TitleSize, true);
     Label2[1] = label(version, SmallSize);
     Label2[1]->setForegroundRole(QPalette::PlaceholderText);
+    Label2[1]->setAccessibleName(QStringLiteral("프로그램 버전 %1").arg(version));
     row->addWidget(Label2[0]);
     row->addStretch(1);
     row->addWidget(Label2[1], 0, Qt::AlignBottom);
@@ -85,19 +117,17 @@ QWidget* WindowControls::groups() {
                                                  QStringLiteral("사용자"), QStringLiteral("설정"),
                                                  QStringLiteral("계정과목")};
     auto* box = new QWidget;
-    auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto* row = plainLayout<QHBoxLayout>(box);
+    row->setSpacing(px(12));
     for (std::size_t i = 0; i < Check1.size(); ++i) {
-        Check1[i] = new QCheckBox(Captions[i]);
+        Check1[i] = new GroupTile(Captions[i]);
         Check1[i]->setChecked(true);
-        Check1[i]->setMinimumHeight(TouchHeight - 12);
-        Check1[i]->setStyleSheet(QStringLiteral("QCheckBox{spacing:10px}"
-                                                "QCheckBox::indicator{width:24px;height:24px}"));
+        Check1[i]->setFixedHeight(px(TouchHeight));
+        Check1[i]->setAccessibleName(QStringLiteral("%1 수신").arg(Captions[i]));
+        Check1[i]->setToolTip(QStringLiteral("Alt+%1").arg(i + 1));
         setTextSize(*Check1[i], TextSize);
         nameIt(*Check1[i], "Check1", i);
-        row->addWidget(Check1[i]);
-        if (i + 1 < Check1.size())
-            row->addStretch(1);
+        row->addWidget(Check1[i], 1);
     }
     return box;
 }
@@ -105,13 +135,13 @@ QWidget* WindowControls::groups() {
 QWidget* WindowControls::progress() {
     auto* box = new QWidget;
     auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setHorizontalSpacing(10);
-    grid->setVerticalSpacing(8);
+    grid->setContentsMargins(px(28), px(22), px(28), px(26));
+    grid->setHorizontalSpacing(px(10));
+    grid->setVerticalSpacing(px(10));
     grid->setColumnStretch(0, 1);
 
+    Label2[5] = label(QStringLiteral("대기 중"), LeadSize, true);
     Label2[2] = label(QStringLiteral("전체"), TextSize);
-    Label2[5] = label(QStringLiteral("대기 중"), TextSize);
     for (const std::size_t slash : {3U, 4U})
         Label2[slash] = label(QStringLiteral("/"), TextSize);
     for (std::size_t i = 0; i < Label3.size(); ++i) {
@@ -122,44 +152,128 @@ QWidget* WindowControls::progress() {
         nameIt(*Label2[i], "Label2", i);
 
     // Each bar under its caption; at the right how many of how many.
-    const auto addBar = [&](std::size_t bar, QLabel* caption, QLabel* counter, QLabel* slash,
-                            QLabel* total) {
-        const int top = static_cast<int>(bar) * 3;
+    const auto addBar = [&](std::size_t bar, int top, QLabel* caption, QLabel* counter,
+                            QLabel* slash, QLabel* total) {
         PBar1[bar] = new FlatProgressBar;
-        PBar1[bar]->setMinimumHeight(BarHeight);
-        PBar1[bar]->setTextVisible(false);
-        PBar1[bar]->setValue(0);
+        PBar1[bar]->setFixedHeight(px(BarHeight));
         nameIt(*PBar1[bar], "PBar1", bar);
         grid->addWidget(caption, top, 0);
         grid->addWidget(counter, top, 1, Qt::AlignRight);
         grid->addWidget(slash, top, 2);
         grid->addWidget(total, top, 3, Qt::AlignRight);
         grid->addWidget(PBar1[bar], top + 1, 0, 1, 4);
+        for (QLabel* number : {counter, slash, total}) {
+            QSizePolicy policy = number->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            number->setSizePolicy(policy);
+        }
     };
-    addBar(0, Label2[2], Label3[1], Label2[3], Label3[0]);
-    addBar(1, Label2[5], Label3[3], Label2[4], Label3[2]);
-    grid->setRowMinimumHeight(2, 10); // between the two bars
+    addBar(1, 0, Label2[5], Label3[3], Label2[4], Label3[2]);
+    addBar(0, 3, Label2[2], Label3[1], Label2[3], Label3[0]);
+    grid->setRowMinimumHeight(2, px(8));
+    grid->setRowStretch(2, 1);
+
     PBar1[0]->setAccessibleName(QStringLiteral("전체 진행"));
+    PBar1[0]->setAccessibleDescription(QStringLiteral("전체 자료 중 저장한 건수"));
     PBar1[1]->setAccessibleName(QStringLiteral("항목별 진행"));
+    PBar1[1]->setAccessibleDescription(QStringLiteral("지금 받는 항목의 자료 중 저장한 건수"));
+    static const std::array<QString, 4> CounterNames{
+        QStringLiteral("전체 건수"), QStringLiteral("전체 저장 건수"), QStringLiteral("항목 건수"),
+        QStringLiteral("항목 저장 건수")};
+    for (std::size_t i = 0; i < Label3.size(); ++i)
+        Label3[i]->setAccessibleDescription(CounterNames[i]);
+    return box;
+}
+
+QWidget* WindowControls::failurePage() {
+    auto* box = new QWidget;
+    auto* column = new QVBoxLayout(box);
+    column->setContentsMargins(px(28), px(20), px(20), px(18));
+    column->setSpacing(px(6));
+    auto* heading = label(QStringLiteral("실패 원인"), TextSize, true);
+    reason = new QPlainTextEdit;
+    reason->setObjectName(QStringLiteral("reason"));
+    reason->setAccessibleName(QStringLiteral("실패 원인"));
+    reason->setReadOnly(true);
+    reason->setTabChangesFocus(true);
+    reason->setFrameShape(QFrame::NoFrame);
+    reason->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    reason->document()->setDocumentMargin(0);
+    setTextSize(*reason, 22);
+    heading->setBuddy(reason);
+    column->addWidget(heading);
+    column->addWidget(reason, 1);
     return box;
 }
 
 QWidget* WindowControls::buttons() {
     auto* box = new QWidget;
-    auto* row = new QHBoxLayout(box);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(20);
-    Cmd1[0] = new QPushButton(QStringLiteral("수신 시작(&S)"));
-    Cmd1[1] = new QPushButton(QStringLiteral("닫기(&C)"));
-    row->addStretch(1);
+    auto* row = plainLayout<QHBoxLayout>(box);
+    row->setSpacing(px(20));
+    Cmd1[0] = new TouchButton(QStringLiteral("수신 시작(&S)"), TouchButton::Rank::First);
+    Cmd1[1] = new TouchButton(QStringLiteral("닫기(&C)"), TouchButton::Rank::Second);
+    Cmd1[0]->setAccessibleName(QStringLiteral("수신 시작"));
+    Cmd1[1]->setAccessibleName(QStringLiteral("닫기"));
     for (std::size_t i = 0; i < Cmd1.size(); ++i) {
-        Cmd1[i]->setMinimumSize(190, TouchHeight);
+        Cmd1[i]->setFixedHeight(px(TouchHeight));
         setTextSize(*Cmd1[i], TextSize, i == 0);
         nameIt(*Cmd1[i], "Cmd1", i);
-        row->addWidget(Cmd1[i]);
+        row->addWidget(Cmd1[i], i == 0 ? 2 : 1);
     }
-    row->addStretch(1);
     return box;
+}
+
+void WindowControls::showCounters(bool shown) {
+    for (QLabel* number : Label3)
+        number->setVisible(shown);
+    for (const std::size_t slash : {3U, 4U})
+        Label2[slash]->setVisible(shown);
+}
+
+void WindowControls::showPhase(RunPhase phase) {
+    using Look = ProgressBarControl::Look;
+    switch (phase) {
+    case RunPhase::Collecting:
+        bars[0]->setLook(Look::Busy);
+        lbl_MSG->setTone(StatusLine::Tone::Quiet);
+        card_->setCurrentIndex(Progress);
+        break;
+    case RunPhase::Writing:
+        bars[0]->setLook(Look::Held);
+        break;
+    case RunPhase::Committed:
+        bars[0]->setLook(Look::Full);
+        bars[1]->setLook(Look::Full);
+        lbl_MSG->setTone(StatusLine::Tone::Good);
+        break;
+    case RunPhase::Failed:
+        bars[0]->setLook(Look::Plain);
+        lbl_MSG->setTone(StatusLine::Tone::Bad);
+        break;
+    }
+    showCounters(phase != RunPhase::Collecting);
+    display.refresh();
+}
+
+void WindowControls::showFailure(const sync::Failure& failure) {
+    const auto line = [](const char* caption, const std::string& text) {
+        return text.empty() ? QString()
+                            : QString::fromUtf8(caption) + QStringLiteral("  ") +
+                                  QString::fromStdString(text).trimmed() + QLatin1Char('\n');
+    };
+    reason->setPlainText((line("구분", failure.title) + line("오류", failure.error) +
+                          line("명령", failure.statement))
+                             .trimmed());
+    card_->setCurrentIndex(Reason);
+}
+
+void WindowControls::setEnabled(bool enabled) {
+    for (QCheckBox* box : Check1)
+        box->setEnabled(enabled);
+    for (QPushButton* button : Cmd1)
+        button->setEnabled(enabled);
+    if (enabled)
+        Cmd1[0]->setFocus();
 }
 
 } // namespace quillet::app

@@ -3,28 +3,61 @@
 #include "app/ConnectionStrings.h"
 #include "app/PlaceWindow.h"
 #include "app/VersionReport.h"
+#include "app/widgets/Surface.h"
 #include "db/AsciiText.h"
 #include "db/DB_Control.h"
 #include "db/Paths.h"
 #include "sync/ReceivedRowFlags.h"
+#include "sync/StoreSafeguard.h"
 #include "sync/UpdateStamps.h"
 
+#include <QAbstractButton>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPainterPath>
+#include <QScreen>
 #include <QTimer>
 #include <QWindow>
+
+#include <algorithm>
 
 namespace quillet::app {
 
 namespace {
 
-constexpr QSize WindowSize(760, 520);
+constexpr QSize WindowSize(WindowControls::Width, WindowControls::Height);
 constexpr std::int16_t Centred = 3;
+
+/// How much of its full size the window can have: a screen of few logical pixels (a high scaling
+/// on a small screen) must show all of it.
+double scaleForScreen() {
+    const QSize room = QGuiApplication::primaryScreen()->availableGeometry().size();
+    return std::min({1.0, double(room.width()) / WindowSize.width(),
+                     double(room.height()) / WindowSize.height()});
+}
+
+/// Whether windows can have pixels that are half transparent. Elsewhere corners are cut.
+bool hasSmoothCorners() {
+    const QString platform = QGuiApplication::platformName();
+    return platform == QLatin1String("windows") || platform == QLatin1String("wayland") ||
+           platform == QLatin1String("offscreen");
+}
+
+void messageBox(QWidget& parent, QMessageBox::Icon icon, const QString& title,
+                const QString& text) {
+    QMessageBox box(icon, title, text, QMessageBox::Ok, &parent);
+    QFont font = parent.font();
+    font.setPixelSize(22);
+    box.setFont(font);
+    QAbstractButton* ok = box.button(QMessageBox::Ok);
+    ok->setText(QStringLiteral("확인"));
+    ok->setMinimumSize(140, 56);
+    box.exec();
+}
 
 /// Line ends as message boxes know them.
 QString lines(const std::string& text) {
@@ -39,8 +72,9 @@ QString lines(const std::string& text) {
 frm_Quillet::frm_Quillet(WindowSurroundings surroundings)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint),
       surroundings_(std::move(surroundings)),
-      controls_(*this, QString::fromStdString(surroundings_.version)) {
+      controls_(*this, QString::fromStdString(surroundings_.version), scaleForScreen()) {
     setWindowTitle(QStringLiteral("기초자료 수신 - Quillet"));
+    setAttribute(Qt::WA_TranslucentBackground, hasSmoothCorners());
     connect(controls_.Cmd1[0], &QPushButton::clicked, this, &frm_Quillet::startButton);
     connect(controls_.Cmd1[1], &QPushButton::clicked, this, &QWidget::close);
     // Coming back from another program; closing a message box of our own does not count.
@@ -61,7 +95,7 @@ void frm_Quillet::Form_Load() {
     Label3(1).SetCaption("0");
     controls_.display.refresh();
     composeServerConnection();
-    setFixedSize(WindowSize);
+    setFixedSize(WindowSize * scaleForScreen());
     PlaceWindow(*this, Centred, true);
 }
 
@@ -69,11 +103,15 @@ void frm_Quillet::Form_Activate() {
     if (activated_ || activating_ || !isVisible())
         return;
     activating_ = true;
+    controls_.setEnabled(false);
     activated_ = startUp();
     activating_ = false;
+    becomeIdle();
 }
 
 bool frm_Quillet::startUp() {
+    if (!takeStore())
+        return false;
     bool opened = false;
     openStoreDatabase(opened);
     if (!opened)
@@ -82,40 +120,55 @@ bool frm_Quillet::startUp() {
         *db::DB_Control::StoreConnection, surroundings_.settings,
         db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock,
         surroundings_.observer);
+    run_->yield = [this] { controls_.display.yield(); };
     readHeadOffice();
     QCoreApplication::processEvents(); // so that the window paints
-    if (run_ == nullptr)
+    if (closeWanted_)
         return false; // it was closed instead
     reportVersionOnce();
     migrateFlagColumnsOnce();
     sync::ReadStamps(*run_);
+    sync::StoreSafeguard(*run_).recoverStamps();
     runDriver();
     return true;
 }
 
 void frm_Quillet::Form_QueryUnload() {
     run_.reset();
+    storeLock_.reset();
+}
+
+bool frm_Quillet::takeStore() {
+    if (storeLock_ == nullptr)
+        storeLock_ = StoreLock::take(db::pathOf(storeFolder()));
+    if (storeLock_ == nullptr) {
+        lbl_MSG().SetCaption("다른 창에서 이미 기초자료를 수신하고 있습니다");
+        showPhase(RunPhase::Failed);
+    }
+    return storeLock_ != nullptr;
+}
+
+std::string frm_Quillet::storeFolder() const {
+    const std::string folder =
+        surroundings_.settings.GetSetting(sync::StoreApplication, "LOCATION", "ID");
+    return folder.empty() ? db::textOf(surroundings_.programFolder) : folder;
 }
 
 void frm_Quillet::openStoreDatabase(bool& opened) {
     opened = false;
     try {
-        std::string folder =
-            surroundings_.settings.GetSetting(sync::StoreApplication, "LOCATION", "ID");
-        if (folder.empty())
-            folder = db::textOf(surroundings_.programFolder);
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
             db::DailyLog(surroundings_.programFolder, surroundings_.clock), [this] {
                 controls_.display.yield();
                 run_->observer().statementDone();
             });
-        db::DB_Control::StoreConnection->DBOpen(storeConnectionString(folder));
+        db::DB_Control::StoreConnection->DBOpen(storeConnectionString(storeFolder()));
         // A failed open deliberately counts as opened: the run then fails on its first store
         // statement, in the window's own words.
         opened = true;
     } catch (const std::exception& failure) {
-        QMessageBox::critical(this, QGuiApplication::applicationDisplayName(),
-                              lines(failure.what()));
+        messageBox(*this, QMessageBox::Critical, QGuiApplication::applicationDisplayName(),
+                   lines(failure.what()));
     }
 }
 
@@ -176,14 +229,21 @@ void frm_Quillet::runDriver() {
     running_ = true;
     lbl_MSG().SetCaption(""); // what an earlier run said is no longer true
     controls_.display.refresh();
-    for (QPushButton* button : controls_.Cmd1)
-        button->setEnabled(false);
+    controls_.setEnabled(false);
     const RunDriver::Result result = RunDriver(*run_, *this).receive();
+    if (result == RunDriver::Result::Failed && run_->failure)
+        controls_.showFailure(*run_->failure);
     controls_.display.refresh();
     running_ = false;
-    for (QPushButton* button : controls_.Cmd1)
-        button->setEnabled(true);
-    if (result != RunDriver::Result::Failed || closeWanted_)
+    closeWanted_ = closeWanted_ || result != RunDriver::Result::Failed;
+    becomeIdle();
+}
+
+void frm_Quillet::becomeIdle() {
+    if (isBusy())
+        return;
+    controls_.setEnabled(true);
+    if (closeWanted_)
         close();
 }
 
@@ -206,7 +266,7 @@ void frm_Quillet::setHourglass(bool on) {
 
 void frm_Quillet::inform(const std::string& text, const std::string& title) {
     controls_.display.refresh();
-    QMessageBox::information(this, QString::fromStdString(title), lines(text));
+    messageBox(*this, QMessageBox::Information, QString::fromStdString(title), lines(text));
 }
 
 void frm_Quillet::showEvent(QShowEvent* event) {
@@ -216,32 +276,57 @@ void frm_Quillet::showEvent(QShowEvent* event) {
 }
 
 void frm_Quillet::closeEvent(QCloseEvent* event) {
-    if (running_) {
+    if (isBusy()) {
         closeWanted_ = true;
+        lbl_MSG().SetCaption("수신이 끝나면 창을 닫습니다");
         event->ignore();
         return;
     }
+    closeWanted_ = false; // it may be shown again
     Form_QueryUnload();
     event->accept();
 }
 
 void frm_Quillet::paintEvent(QPaintEvent* event) {
-    // The controls' repaints come by here, many times a second, and none reaches the edge.
-    constexpr int EdgeWidth = 12;
-    if (rect().adjusted(EdgeWidth, EdgeWidth, -EdgeWidth, -EdgeWidth).contains(event->rect()))
-        return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath edge;
-    edge.addRoundedRect(QRectF(rect()).adjusted(4, 4, -2, -2), 9, 9);
-    painter.setPen(QPen(palette().color(QPalette::Mid), 2));
-    painter.drawPath(edge);
+    // The controls' repaints come by here, many times a second, and none reaches the edge.
+    constexpr int EdgeWidth = 16;
+    if (rect().adjusted(EdgeWidth, EdgeWidth, -EdgeWidth, -EdgeWidth).contains(event->rect()))
+        painter.fillRect(event->rect(), palette().color(QPalette::Window));
+    else
+        fillRounded(painter, QRectF(rect()).adjusted(4, 4, -1, -1), 9,
+                    palette().color(QPalette::Window), palette().color(QPalette::Mid), 2);
 }
 
+// Without a frame, the window is moved by its free space: by hand, because the system's own move is
+// a loop that would hold up the run. Wayland has no other.
+
 void frm_Quillet::mousePressEvent(QMouseEvent* event) {
-    // Without a frame, the window is moved by its free space.
-    if (event->button() == Qt::LeftButton && windowHandle() != nullptr)
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (QGuiApplication::platformName() == QLatin1String("wayland"))
         windowHandle()->startSystemMove();
+    else
+        grip_ = event->globalPosition().toPoint() - pos();
+}
+
+void frm_Quillet::mouseMoveEvent(QMouseEvent* event) {
+    if (grip_)
+        move(event->globalPosition().toPoint() - *grip_);
+}
+
+void frm_Quillet::mouseReleaseEvent(QMouseEvent* /*event*/) {
+    grip_.reset();
+}
+
+void frm_Quillet::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && !event->isAutoRepeat())
+        (controls_.Cmd1[1]->hasFocus() ? controls_.Cmd1[1] : controls_.Cmd1[0])->click();
+    else if (event->key() == Qt::Key_Escape && !isBusy())
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 } // namespace quillet::app

@@ -2,15 +2,18 @@
 
 #include "app/ReceiveView.h"
 #include "app/RunDriver.h"
+#include "app/StoreLock.h"
 #include "app/WindowControls.h"
 #include "db/Clock.h"
 #include "sync/Run.h"
 #include "sync/Settings.h"
 
+#include <QPoint>
 #include <QWidget>
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace quillet::app {
@@ -27,8 +30,9 @@ struct WindowSurroundings {
 /// The main window: brings itself up, opens the store, and receives at its first activation as if
 /// the start button had been pressed.
 ///
-/// Everything runs on the window's thread. Closing it during a run takes effect when the run has
-/// ended, so that a transaction is never torn.
+/// Everything runs on the window's thread, and the window stays alive meanwhile. Closing it during
+/// a run takes effect when the run has ended, so that a transaction is never torn. A second window
+/// on the same store says so and receives nothing.
 class frm_Quillet final : public QWidget, private ReceiveView {
     Q_OBJECT
 
@@ -41,6 +45,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Form_Load();
@@ -49,6 +56,10 @@ private:
     bool startUp();
     void startButton();
     void runDriver();
+    bool isBusy() const { return activating_ || running_; }
+    void becomeIdle();
+    bool takeStore();
+    std::string storeFolder() const;
     void openStoreDatabase(bool& opened);
     void composeServerConnection();
     void readHeadOffice();
@@ -62,11 +73,13 @@ private:
     db::Label& Label3(std::size_t index) override { return *controls_.counters[index]; }
     db::Label& groupText() override { return *controls_.groupText; }
     db::Label& lbl_MSG() override { return *controls_.message; }
+    void showPhase(RunPhase phase) override { controls_.showPhase(phase); }
     void setHourglass(bool on) override;
     void inform(const std::string& text, const std::string& title) override;
 
     WindowSurroundings surroundings_;
     WindowControls controls_;
+    std::unique_ptr<StoreLock> storeLock_;
     std::unique_ptr<sync::Run> run_;
     std::string serverConnectionString_;
     bool activating_ = false;
@@ -74,6 +87,7 @@ private:
     bool running_ = false;
     bool closeWanted_ = false;
     bool hourglass_ = false;
+    std::optional<QPoint> grip_; ///< where the pointer holds the window, while it does
 };
 
 } // namespace quillet::app

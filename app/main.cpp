@@ -1,9 +1,9 @@
+#include "app/Appearance.h"
 #include "app/UserSettings.h"
 #include "app/frm_Quillet.h"
 #include "db/Paths.h"
 
 #include <QApplication>
-#include <QFont>
 
 #include <chrono>
 #include <thread>
@@ -29,10 +29,7 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillet"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLET_VERSION));
-    QFont font = QApplication::font();
-    font.setFamilies({QStringLiteral("Malgun Gothic"), QStringLiteral("NanumGothic"),
-                      QStringLiteral("Noto Sans CJK KR"), font.family()});
-    QApplication::setFont(font);
+    quillet::app::applyAppearance(quillet::app::systemAppearance());
 
     const auto settings = quillet::app::openUserSettings();
     DemonstrationPause pause;
