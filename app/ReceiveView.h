@@ -10,7 +10,7 @@ namespace quillet::app {
 
 /// How far a run is, beyond what bars and counters say.
 enum class RunPhase {
-    Collecting, ///< the server is asked; nobody knows yet how much there is
+    Collecting, ///< the server is asked, group by group; nobody knows yet how much there is
     Writing,    ///< the batch runs; it is not in the store before it is committed
     Committed,  ///< everything is in the store
     Failed      ///< the status line says what

@@ -144,6 +144,7 @@ bool RunDriver::collect() {
     for (std::size_t group = 0; group < AllGroups.size(); ++group) {
         if (isReceived(ticks, group)) {
             view_.groupText().SetCaption(AllGroups[group].name + std::string(" 자료 확인 중"));
+            view_.showPhase(RunPhase::Collecting);
             for (const Step& step : AllGroups[group].steps)
                 if (!step.receive(run_))
                     return fail(step.failureText);
@@ -178,6 +179,7 @@ RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
         return Result::Failed;
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
+    view_.groupText().SetCaption("매장별 설정 확인 중");
     view_.showPhase(RunPhase::Committed);
     sync::SweepReceivedRows(run_);
     receiveStoreSettings();

@@ -8,6 +8,8 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QShortcut>
+#include <QTextCharFormat>
+#include <QTextCursor>
 #include <QVBoxLayout>
 #include <QWidget>
 
@@ -25,7 +27,7 @@ constexpr int TextSize = 26;
 constexpr int LeadSize = 30; ///< what is going on, and what happened
 constexpr int SmallSize = 18;
 constexpr int TouchHeight = 68;
-constexpr int BarHeight = 26;
+constexpr int BarHeight = 32;
 constexpr int Margin = 36;
 constexpr int Gap = 18;
 
@@ -157,16 +159,18 @@ QWidget* WindowControls::progress() {
         PBar1[bar] = new FlatProgressBar;
         PBar1[bar]->setFixedHeight(px(BarHeight));
         nameIt(*PBar1[bar], "PBar1", bar);
-        grid->addWidget(caption, top, 0);
-        grid->addWidget(counter, top, 1, Qt::AlignRight);
-        grid->addWidget(slash, top, 2);
-        grid->addWidget(total, top, 3, Qt::AlignRight);
-        grid->addWidget(PBar1[bar], top + 1, 0, 1, 4);
+        auto* count = new QWidget;
+        auto* row = plainLayout<QHBoxLayout>(count);
+        row->setSpacing(px(8));
         for (QLabel* number : {counter, slash, total}) {
             QSizePolicy policy = number->sizePolicy();
             policy.setRetainSizeWhenHidden(true);
             number->setSizePolicy(policy);
+            row->addWidget(number);
         }
+        grid->addWidget(caption, top, 0);
+        grid->addWidget(count, top, 1, Qt::AlignRight);
+        grid->addWidget(PBar1[bar], top + 1, 0, 1, 2);
     };
     addBar(1, 0, Label2[5], Label3[3], Label2[4], Label3[2]);
     addBar(0, 3, Label2[2], Label3[1], Label2[3], Label3[0]);
@@ -251,19 +255,29 @@ void WindowControls::showPhase(RunPhase phase) {
         lbl_MSG->setTone(StatusLine::Tone::Bad);
         break;
     }
-    showCounters(phase != RunPhase::Collecting);
+    // Business information counts in the counter and not in the total: at the end they differ.
+    showCounters(phase == RunPhase::Writing || phase == RunPhase::Failed);
     display.refresh();
 }
 
 void WindowControls::showFailure(const sync::Failure& failure) {
-    const auto line = [](const char* caption, const std::string& text) {
-        return text.empty() ? QString()
-                            : QString::fromUtf8(caption) + QStringLiteral("  ") +
-                                  QString::fromStdString(text).trimmed() + QLatin1Char('\n');
+    reason->clear();
+    QTextCursor cursor(reason->document());
+    QTextCharFormat plain;
+    QTextCharFormat bold;
+    bold.setFontWeight(QFont::Bold);
+    const auto line = [&](const QString& caption, const std::string& text) {
+        if (text.empty())
+            return;
+        if (!cursor.atStart())
+            cursor.insertBlock();
+        cursor.insertText(caption + QStringLiteral("  "), bold);
+        cursor.insertText(QString::fromStdString(text).trimmed(), plain);
     };
-    reason->setPlainText((line("구분", failure.title) + line("오류", failure.error) +
-                          line("명령", failure.statement))
-                             .trimmed());
+    line(QStringLiteral("구분"), failure.title);
+    line(QStringLiteral("오류"), failure.error);
+    line(QStringLiteral("명령"), failure.statement);
+    reason->moveCursor(QTextCursor::Start);
     card_->setCurrentIndex(Reason);
 }
 

@@ -1,6 +1,7 @@
 #include "app/frm_Quillet.h"
 
 #include "app/ConnectionStrings.h"
+#include "app/MessageBox.h"
 #include "app/PlaceWindow.h"
 #include "app/VersionReport.h"
 #include "app/widgets/Surface.h"
@@ -11,11 +12,9 @@
 #include "sync/StoreSafeguard.h"
 #include "sync/UpdateStamps.h"
 
-#include <QAbstractButton>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -45,18 +44,6 @@ bool hasSmoothCorners() {
     const QString platform = QGuiApplication::platformName();
     return platform == QLatin1String("windows") || platform == QLatin1String("wayland") ||
            platform == QLatin1String("offscreen");
-}
-
-void messageBox(QWidget& parent, QMessageBox::Icon icon, const QString& title,
-                const QString& text) {
-    QMessageBox box(icon, title, text, QMessageBox::Ok, &parent);
-    QFont font = parent.font();
-    font.setPixelSize(22);
-    box.setFont(font);
-    QAbstractButton* ok = box.button(QMessageBox::Ok);
-    ok->setText(QStringLiteral("확인"));
-    ok->setMinimumSize(140, 56);
-    box.exec();
 }
 
 /// Line ends as message boxes know them.
@@ -167,8 +154,8 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
         // statement, in the window's own words.
         opened = true;
     } catch (const std::exception& failure) {
-        messageBox(*this, QMessageBox::Critical, QGuiApplication::applicationDisplayName(),
-                   lines(failure.what()));
+        showMessageBox(*this, QMessageBox::Critical, QGuiApplication::applicationDisplayName(),
+                       lines(failure.what()));
     }
 }
 
@@ -266,7 +253,7 @@ void frm_Quillet::setHourglass(bool on) {
 
 void frm_Quillet::inform(const std::string& text, const std::string& title) {
     controls_.display.refresh();
-    messageBox(*this, QMessageBox::Information, QString::fromStdString(title), lines(text));
+    showMessageBox(*this, QMessageBox::Information, QString::fromStdString(title), lines(text));
 }
 
 void frm_Quillet::showEvent(QShowEvent* event) {
@@ -322,7 +309,7 @@ void frm_Quillet::mouseReleaseEvent(QMouseEvent* /*event*/) {
 void frm_Quillet::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isEnter && !event->isAutoRepeat())
-        (controls_.Cmd1[1]->hasFocus() ? controls_.Cmd1[1] : controls_.Cmd1[0])->click();
+        (focusWidget() == controls_.Cmd1[1] ? controls_.Cmd1[1] : controls_.Cmd1[0])->click();
     else if (event->key() == Qt::Key_Escape && !isBusy())
         close();
     else

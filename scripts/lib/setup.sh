@@ -7,6 +7,7 @@
 #   setup_build PRESET [TARGET ...]
 #                             configure and build; sets BUILD_DIR
 #   setup_display DIR         show windows on the user's display, or on a virtual one of our own
+#                             (SETUP_SCREEN: its size, 1024x768)
 #   setup_display_is_virtual  whether nobody can see it
 #   setup_display_stop        end the virtual display, if there is one
 
@@ -71,7 +72,7 @@ setup_display() {
     : > "$number_file"
     : > "$authority"
     # It picks a free number itself and says which.
-    XAUTHORITY=$authority Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp \
+    XAUTHORITY=$authority Xvfb -displayfd 3 -screen 0 "${SETUP_SCREEN:-1024x768}x24" -nolisten tcp \
         3> "$number_file" > /dev/null 2>&1 < /dev/null &
     setup__xvfb=$!
     for _ in {1..100}; do

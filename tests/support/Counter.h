@@ -58,8 +58,13 @@ public:
     app::IniSettings settings;
     std::unique_ptr<app::frm_Quillet> window;
     std::function<void()> afterStatement;
+    std::function<void(const std::string& ServerSql)> beforeQuery;
 
 private:
+    void queryBegins(const std::string& ServerSql) override {
+        if (beforeQuery)
+            beforeQuery(ServerSql);
+    }
     void statementDone() override {
         if (afterStatement)
             afterStatement();

@@ -61,12 +61,16 @@ TestHeadOffice::TestHeadOffice() : name_("quillet_test_" + std::to_string(std::r
         server.Execute("CREATE DATABASE " + name_ + " DEFAULT CHARACTER SET utf8mb4");
     }
     database_.Open(connectionString());
-    for (const std::string& statement :
-         statementsOf(readFile(QUILLET_SOURCE_DIR "/headoffice/chain/schema.sql")))
-        database_.Execute(statement);
+    load("schema.sql");
     headoffice::Options options;
     options.port = 0;
     office_ = std::make_unique<Running<headoffice::HeadOffice>>(options, log_);
+}
+
+void TestHeadOffice::load(const std::string& file) {
+    for (const std::string& statement :
+         statementsOf(readFile(QUILLET_SOURCE_DIR "/headoffice/chain/" + file)))
+        database_.Execute(statement);
 }
 
 TestHeadOffice::~TestHeadOffice() {

@@ -25,6 +25,9 @@ public:
     /// Runs a statement in the database.
     void sql(const std::string& statement) { database_.Execute(statement); }
 
+    /// Runs a file of the sample chain: `data.sql`, `generate.sql`.
+    void load(const std::string& file);
+
     /// First column of a query's first row, as text.
     std::string value(const std::string& query);
 
