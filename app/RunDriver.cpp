@@ -179,7 +179,6 @@ RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
         return Result::Failed;
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
-    view_.groupText().SetCaption("매장별 설정 확인 중");
     view_.showPhase(RunPhase::Committed);
     sync::SweepReceivedRows(run_);
     receiveStoreSettings();

@@ -65,7 +65,7 @@ WindowControls::WindowControls(QWidget& window, const QString& version, double s
     setTextSize(*lbl_MSG, LeadSize, true);
     lbl_MSG->setObjectName(QStringLiteral("lbl_MSG"));
     lbl_MSG->setFixedHeight(px(TouchHeight));
-    lbl_MSG->setAccessibleName(QStringLiteral("수신 상태"));
+    lbl_MSG->setAccessibleDescription(QStringLiteral("수신 상태")); // its name is its text
     layout->addWidget(lbl_MSG);
     layout->addWidget(buttons());
 
@@ -236,6 +236,7 @@ void WindowControls::showCounters(bool shown) {
 
 void WindowControls::showPhase(RunPhase phase) {
     using Look = ProgressBarControl::Look;
+    display.refresh(); // the text comes before its colour, which announces it
     switch (phase) {
     case RunPhase::Collecting:
         bars[0]->setLook(Look::Busy);

@@ -34,9 +34,10 @@ constexpr std::int16_t Centred = 3;
 /// How much of its full size the window can have: a screen of few logical pixels (a high scaling
 /// on a small screen) must show all of it.
 double scaleForScreen() {
+    constexpr double Share = 0.98; // of the screen, so that an edge is seen
     const QSize room = QGuiApplication::primaryScreen()->availableGeometry().size();
-    return std::min({1.0, double(room.width()) / WindowSize.width(),
-                     double(room.height()) / WindowSize.height()});
+    return std::min({1.0, Share * room.width() / WindowSize.width(),
+                     Share * room.height() / WindowSize.height()});
 }
 
 /// Whether windows can have pixels that are half transparent. Elsewhere corners are cut.

@@ -120,9 +120,9 @@ TEST_F(WindowTest, WhoListensHearsTheSame) {
             ->text(QAccessible::Name)
             .toStdString();
     };
-    for (const char* control :
-         {"Check1(0)", "Check1(4)", "Cmd1(0)", "Cmd1(1)", "reason", "lbl_MSG"})
+    for (const char* control : {"Check1(0)", "Check1(4)", "Cmd1(0)", "Cmd1(1)", "reason"})
         EXPECT_NE(name(control), "") << control;
+    EXPECT_EQ(name("lbl_MSG"), "분류자료 수신 실패했습니다");
     EXPECT_EQ(name("PBar1(0)"), "전체 진행");
     EXPECT_EQ(name("PBar1(1)"), "항목별 진행");
     auto* bar = QAccessible::queryAccessibleInterface(&find<QWidget>("PBar1(0)"));
