@@ -26,6 +26,7 @@ cache_boost() { printf '%s/boost' "$cache__home"; }
 # The steps are chained: bash does not stop at a failing command where the caller asks for the
 # outcome. One at a time: a second build in the same folder would clear away the first one's.
 cache_fill() (
+    ! cache_has "$1" || [[ ! -e $(cache_boost)/boost ]] || exit 0 # nothing to wait for
     mkdir -p "$(cache_boost)" && exec 9> "$cache__home/lock" || exit 1
     if ! flock -n 9; then
         echo "$cache__home is being filled already: waiting" >&2
