@@ -189,9 +189,9 @@ RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
 void RunDriver::takeFailureDown() {
     const std::size_t index = run_.store().failedIndex();
     const bool refused = index > 0 && index < run_.statements.size();
+    const auto position = static_cast<std::int32_t>(index);
     std::size_t group = 0;
-    while (group<sync::Groups&& static_cast<std::int32_t>(index)> sumBefore(run_.groupCounts,
-                                                                            group + 1))
+    while (group < sync::Groups && sumBefore(run_.groupCounts, group + 1) < position)
         ++group;
     run_.failure =
         sync::Failure{refused ? AllGroups[group].name + std::string(" 저장") : std::string("저장"),

@@ -58,7 +58,7 @@ std::int64_t rowsIn(db::VelkDBPro& store, const std::string& table) {
 
 StoreSafeguard::StoreSafeguard(Run& run)
     : run_(run), file_(run.store().fileAtRisk()), copy_(beside(file_, file_.extension())),
-      note_(beside(file_, ".txt")) {}
+      unfinishedCopy_(beside(file_, ".tmp")), note_(beside(file_, ".txt")) {}
 
 void StoreSafeguard::recoverStamps() {
     std::ifstream note(note_, std::ios::binary);
@@ -67,7 +67,9 @@ void StoreSafeguard::recoverStamps() {
     for (std::string& stamp : run_.stamps) {
         std::string line;
         std::getline(note, line);
-        stamp = db::trimmed(std::string_view(line).substr(0, line.find_first_of("\r;")));
+        // A note that a power cut has emptied asks for everything.
+        constexpr std::string_view AfterStamp("\r;\0", 3);
+        stamp = db::trimmed(std::string_view(line).substr(0, line.find_first_of(AfterStamp)));
     }
 }
 
@@ -75,21 +77,30 @@ void StoreSafeguard::begin() {
     if (file_.empty() || isThere(note_))
         return; // what an earlier run left is the last state known to be good
     ownsNote_ = true;
+    // Each is worth having without the other.
+    attempt([this] { copyStore(); });
+    std::error_code unimportant;
+    std::filesystem::remove(unfinishedCopy_, unimportant); // a full disk has no room for it
+    attempt([this] { noteStamps(); });
+}
+
+void StoreSafeguard::attempt(const std::function<void()>& precaution) const {
     try {
-        copyStore();
-        noteStamps();
+        precaution();
     } catch (const std::exception& failure) {
         run_.WriteDownloadLog(Title, "", db::number::Unspecified, failure.what());
     }
 }
 
-/// Under another name first: half a copy must never look like a whole one.
+/// Under another name first: neither half a copy nor an older one must look like this run's.
 void StoreSafeguard::copyStore() const {
+    std::filesystem::remove(copy_);
     std::ifstream from(file_, std::ios::binary);
-    std::filesystem::path unfinished = copy_;
-    unfinished += ".tmp";
+    if (!from)
+        throw db::Error(db::number::Unspecified,
+                        db::textOf(file_.filename()) + " cannot be read for a copy");
     {
-        std::ofstream to(unfinished, std::ios::binary | std::ios::trunc);
+        std::ofstream to(unfinishedCopy_, std::ios::binary | std::ios::trunc);
         from.exceptions(std::ios::badbit);
         to.exceptions(std::ios::badbit | std::ios::failbit);
         std::vector<char> piece(std::size_t{1} << 20U);
@@ -100,7 +111,7 @@ void StoreSafeguard::copyStore() const {
         }
         to.close();
     }
-    std::filesystem::rename(unfinished, copy_);
+    std::filesystem::rename(unfinishedCopy_, copy_);
 }
 
 void StoreSafeguard::noteStamps() const {
@@ -154,8 +165,10 @@ bool StoreSafeguard::verify(bool committed) {
 }
 
 std::string StoreSafeguard::whatIsMissing(const std::optional<Stamps>& stamps) const {
-    // The stamps come first in the batch, the rows after them.
-    if (!stamps || std::find(stamps->begin(), stamps->end(), run_.newStamp) == stamps->end())
+    // The stamps come first in the batch, the rows after them. Whether an engine gives a stamp back
+    // in the form in which it was written is its own affair.
+    if (!stamps || (stamps == stampsBefore_ &&
+                    std::find(stamps->begin(), stamps->end(), run_.newStamp) == stamps->end()))
         return "UPD does not have the stamps that were committed";
     for (const auto& [table, rows] : expected_)
         if (const std::int64_t found = rowsIn(run_.store(), table); found < rows)
@@ -169,8 +182,9 @@ void StoreSafeguard::report(const std::string& finding) {
     run_.fail(Title, before ? before->statement : "",
               db::Error(db::number::Unspecified,
                         "The store did not keep the transaction whole: " + finding +
-                            ". The next receive repeats everything. Before this one: " +
-                            db::textOf(copy_.filename()) +
+                            ". The next receive repeats everything." +
+                            (isThere(copy_) ? " Before this one: " + db::textOf(copy_.filename())
+                                            : std::string()) +
                             (before ? "\r\n" + before->error : std::string())));
 }
 

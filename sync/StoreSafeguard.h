@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -49,6 +50,7 @@ public:
 private:
     std::string whatIsMissing(const std::optional<Stamps>& stamps) const;
     void report(const std::string& finding);
+    void attempt(const std::function<void()>& precaution) const;
     void noteStamps() const;
     void copyStore() const;
     void forget() const;
@@ -56,6 +58,7 @@ private:
     Run& run_;
     const std::filesystem::path file_;
     const std::filesystem::path copy_;
+    const std::filesystem::path unfinishedCopy_;
     const std::filesystem::path note_;
     std::optional<Stamps> stampsBefore_;
     bool ownsNote_ = false; ///< not one that an earlier run left

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
 #include <memory>
 #include <stdlib.h>
 
@@ -15,6 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using tests::readFile;
 
 struct NoSettings : Settings {
@@ -160,6 +162,28 @@ TEST_F(StoreSafeguardTest, ARunThatNeverEndedCountsAsBroken) {
     EXPECT_EQ(run_->stamps[0], "2026-01-01");
     EXPECT_TRUE(receive());
     EXPECT_FALSE(isThere("food.before-receive.txt"));
+}
+
+TEST_F(StoreSafeguardTest, ADiskWithoutRoomForACopyStillRepeatsABrokenRun) {
+    std::filesystem::create_directory(folder_ / "food.before-receive.tmp");
+    start("commit:3");
+    EXPECT_FALSE(receive());
+    EXPECT_EQ(beforeBatch_, std::pair(false, true));
+    EXPECT_THAT(run_->failure->error, Not(HasSubstr("food.before-receive")));
+    start("");
+    EXPECT_EQ(run_->stamps[0], "2026-01-01");
+
+    // What a power cut may leave of the note.
+    std::ofstream(folder_ / "food.before-receive.txt", std::ios::binary) << std::string(90, '\0');
+    start("");
+    EXPECT_THAT(run_->stamps, testing::Each(""));
+}
+
+TEST_F(StoreSafeguardTest, AnEngineMayKeepStampsInItsOwnForm) {
+    store_->PUT_DATA_DEL({"", "CREATE TRIGGER OWN_FORM AFTER UPDATE OF UPD_PR ON UPD BEGIN UPDATE "
+                              "UPD SET UPD_PR = '02/01/2026', UPD_CT = '02/01/2026'; END"});
+    ASSERT_EQ(store_->Status(), 1) << store_->errorText();
+    EXPECT_TRUE(receive());
 }
 
 } // namespace
