@@ -162,6 +162,11 @@ QWidget* WindowControls::progress() {
         auto* count = new QWidget;
         auto* row = plainLayout<QHBoxLayout>(count);
         row->setSpacing(px(8));
+        // It changes many times a second; without a size of its own, each time the whole window
+        // would be laid out anew.
+        const QFontMetrics font(counter->font());
+        counter->setFixedSize(font.horizontalAdvance(QStringLiteral("00000000")), font.height());
+        counter->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         for (QLabel* number : {counter, slash, total}) {
             QSizePolicy policy = number->sizePolicy();
             policy.setRetainSizeWhenHidden(true);

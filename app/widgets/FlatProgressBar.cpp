@@ -20,6 +20,7 @@ constexpr double MissingAtLeast = 0.02; // of the width, while anything is missi
 } // namespace
 
 FlatProgressBar::FlatProgressBar() {
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setTextVisible(false);
     setValue(0);
     clock_.start();
@@ -46,14 +47,35 @@ void FlatProgressBar::paintEvent(QPaintEvent* /*event*/) {
     if (isBusy() && !moving_.isActive())
         moving_.start(MoveInterval, this);
     QPainter painter(this);
-    const QRectF all(rect());
-    const double radius = std::min(CornerRadius, all.height() / 2);
-    fillRounded(painter, all, radius, palette().color(QPalette::AlternateBase),
-                palette().color(QPalette::Mid), 1);
-    const QRectF bar = filled(all);
+    painter.drawPixmap(0, 0, trough());
+    const QRectF bar = filled(rect());
     if (bar.width() >= 1)
-        fillRounded(painter, bar, std::min(radius, bar.width() / 2),
+        fillRounded(painter, bar, std::min(radius(), bar.width() / 2),
                     palette().color(QPalette::Highlight));
+}
+
+double FlatProgressBar::radius() const {
+    return std::min(CornerRadius, height() / 2.0);
+}
+
+const QPixmap& FlatProgressBar::trough() {
+    const double scale = devicePixelRatioF();
+    const QSize pixels(static_cast<int>(std::ceil(width() * scale)),
+                       static_cast<int>(std::ceil(height() * scale)));
+    if (trough_.size() != pixels) {
+        trough_ = QPixmap(pixels);
+        trough_.setDevicePixelRatio(scale);
+        trough_.fill(palette().color(QPalette::Base));
+        QPainter painter(&trough_);
+        fillRounded(painter, rect(), radius(), palette().color(QPalette::AlternateBase),
+                    palette().color(QPalette::Mid), 1);
+    }
+    return trough_;
+}
+
+void FlatProgressBar::changeEvent(QEvent* event) {
+    trough_ = QPixmap(); // its colours may be others now
+    QProgressBar::changeEvent(event);
 }
 
 void FlatProgressBar::timerEvent(QTimerEvent* event) {
