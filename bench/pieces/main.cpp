@@ -1,8 +1,7 @@
 // Google Benchmark's own main, with an application for the pieces that paint.
 
-#include <benchmark/benchmark.h>
-
 #include <QApplication>
+#include <benchmark/benchmark.h>
 
 int main(int argc, char* argv[]) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
