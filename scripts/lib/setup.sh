@@ -10,6 +10,7 @@
 #                             (SETUP_SCREEN: its size, 1024x768)
 #   setup_display_is_virtual  whether nobody can see it
 #   setup_display_stop        end the virtual display, if there is one
+#   setup_stop_process PID    end a process of our own and wait for it; an empty PID is none
 
 export LC_ALL=C.UTF-8 # Korean in texts and file names, wherever this runs
 
@@ -87,8 +88,8 @@ setup_display() {
 setup_display_is_virtual() { [[ -n $setup__xvfb ]]; }
 
 setup_display_stop() {
-    [[ -n $setup__xvfb ]] || return 0
-    kill "$setup__xvfb" 2> /dev/null || true
-    wait "$setup__xvfb" 2> /dev/null || true
+    setup_stop_process "$setup__xvfb"
     setup__xvfb=''
 }
+
+setup_stop_process() { [[ -z $1 ]] || { kill "$1" && wait "$1"; } 2> /dev/null || true; }
