@@ -78,15 +78,15 @@ void StoreSafeguard::begin() {
         return; // what an earlier run left is the last state known to be good
     ownsNote_ = true;
     // Each is worth having without the other.
-    attempt([this] { copyStore(); });
+    attempt(&StoreSafeguard::copyStore);
     std::error_code unimportant;
     std::filesystem::remove(unfinishedCopy_, unimportant); // a full disk has no room for it
-    attempt([this] { noteStamps(); });
+    attempt(&StoreSafeguard::noteStamps);
 }
 
-void StoreSafeguard::attempt(const std::function<void()>& precaution) const {
+void StoreSafeguard::attempt(void (StoreSafeguard::*precaution)() const) const {
     try {
-        precaution();
+        (this->*precaution)();
     } catch (const std::exception& failure) {
         run_.WriteDownloadLog(Title, "", db::number::Unspecified, failure.what());
     }

@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -50,7 +49,7 @@ public:
 private:
     std::string whatIsMissing(const std::optional<Stamps>& stamps) const;
     void report(const std::string& finding);
-    void attempt(const std::function<void()>& precaution) const;
+    void attempt(void (StoreSafeguard::*precaution)() const) const;
     void noteStamps() const;
     void copyStore() const;
     void forget() const;
