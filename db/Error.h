@@ -31,6 +31,8 @@ inline constexpr long ConnectionClosed = 3709;
 inline constexpr long Unspecified = -2147467259;
 /// The provider's syntax or privilege error, 0x80040E14.
 inline constexpr long CommandText = -2147217900;
+/// A person has ended the operation, 0x80040E4E.
+inline constexpr long Canceled = -2147217842;
 } // namespace number
 
 /// The one exception of the program: a number and a description, as the platform's own run-time
