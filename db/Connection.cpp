@@ -79,8 +79,21 @@ auto Connection::guarded(Operation operation) {
 void Connection::Open(const std::string& connectionString) {
     // An engine that is already open stays when the new one cannot be opened.
     const ConnectionString parts(connectionString);
+    file_ = fileOf(parts);
     guarded([&] { engine_ = openEngine(parts); });
-    fileAtRisk_ = engine_->keepsTransactionsWhole() ? std::filesystem::path() : fileOf(parts);
+    engine_->setWaitHandler(waitHandler_);
+    fileAtRisk_ = engine_->keepsTransactionsWhole() ? std::filesystem::path() : file_;
+    opened_ = FileIdentity::of(file_);
+}
+
+bool Connection::hasMoved() const noexcept {
+    return opened_ && FileIdentity::of(file_) != opened_;
+}
+
+void Connection::requireSameFile() const {
+    if (hasMoved())
+        throw providerError("HY000", "The store database '" + textOf(file_) +
+                                         "' was moved, removed or replaced after it was opened.");
 }
 
 void Connection::Execute(const std::string& statement) {
@@ -88,11 +101,20 @@ void Connection::Execute(const std::string& statement) {
 }
 
 void Connection::BeginTrans() {
-    guarded([&] { require(engine_).begin(); });
+    guarded([&] {
+        Engine& engine = require(engine_);
+        requireSameFile();
+        engine.begin();
+    });
 }
 
 void Connection::CommitTrans() {
-    guarded([&] { require(engine_).commit(); });
+    guarded([&] {
+        Engine& engine = require(engine_);
+        requireSameFile();
+        engine.commit();
+        requireSameFile(); // it may have gone meanwhile
+    });
 }
 
 void Connection::RollbackTrans() {

@@ -3,9 +3,12 @@
 #include "db/Cursor.h"
 #include "db/Engine.h"
 #include "db/Error.h"
+#include "db/FileIdentity.h"
+#include "db/WaitHandler.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +36,10 @@ public:
     /// @throws Error 3709 when the connection is not open.
     void Execute(const std::string& statement);
 
+    /// @throws Error also when the store's file is no longer the one that was opened.
     void BeginTrans();
+    /// @throws Error also when the store's file is no longer the one that was opened: what was
+    ///         written has gone nowhere then, whatever the engine says of it.
     void CommitTrans();
     void RollbackTrans();
 
@@ -42,11 +48,21 @@ public:
     /// @param onlyColumn where it names one, others may be missing.
     std::unique_ptr<Cursor> query(const std::string& source, std::string_view onlyColumn = {});
 
+    /// Who stands by while the database keeps its caller waiting; before Open().
+    /// @param handler outlives the connection; null: nobody.
+    void setWaitHandler(WaitHandler* handler) noexcept { waitHandler_ = handler; }
+
     bool IsOpen() const noexcept { return engine_ != nullptr; }
 
-    /// The database's file, `Dbq` in `DefaultDir`, where its engine does not vouch for large
-    /// transactions; otherwise empty.
+    /// The database's file, `Dbq` in `DefaultDir`, of the latest Open(), also of a failed one.
+    const std::filesystem::path& file() const noexcept { return file_; }
+
+    /// The same where the engine does not vouch for large transactions; otherwise empty.
     const std::filesystem::path& fileAtRisk() const noexcept { return fileAtRisk_; }
+
+    /// Whether the database's path leads to another file than the one that was opened, or to none.
+    /// A database without a file never moves.
+    bool hasMoved() const noexcept;
 
     const std::vector<ErrorRecord>& Errors() const noexcept { return errors_; }
 
@@ -54,8 +70,13 @@ private:
     template <typename Operation>
     auto guarded(Operation operation);
 
+    void requireSameFile() const;
+
     std::unique_ptr<Engine> engine_;
+    WaitHandler* waitHandler_ = nullptr;
+    std::filesystem::path file_;
     std::filesystem::path fileAtRisk_;
+    std::optional<FileIdentity> opened_; ///< the file that was opened
     std::vector<ErrorRecord> errors_;
 };
 

@@ -32,7 +32,7 @@ void DailyLog::requireFolder(const std::filesystem::path& folder) const {
                 return;
         std::filesystem::create_directory(folder);
     } catch (const std::filesystem::filesystem_error& failure) {
-        throw Error(75, std::string("Path/File access error: ") + failure.what());
+        throw Error(number::FileAccess, std::string("Path/File access error: ") + failure.what());
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/Cursor.h"
+#include "db/WaitHandler.h"
 
 #include <memory>
 #include <string>
@@ -24,6 +25,10 @@ public:
                                                 const std::string& /*column*/) {
         return query(source);
     }
+
+    /// @param handler outlives the engine; null: nobody stands by. An engine whose driver waits by
+    /// itself never calls it.
+    virtual void setWaitHandler(WaitHandler* /*handler*/) {}
 
     /// Whether a transaction of any size is all or nothing, whatever happens.
     virtual bool keepsTransactionsWhole() const noexcept { return false; }

@@ -19,6 +19,7 @@ namespace number {
 inline constexpr long Overflow = 6;
 inline constexpr long SubscriptOutOfRange = 9;
 inline constexpr long TypeMismatch = 13;
+inline constexpr long FileAccess = 75;
 inline constexpr long InvalidUseOfNull = 94;
 inline constexpr long CannotCreateObject = 429;
 inline constexpr long RemoteServerUnavailable = 462;

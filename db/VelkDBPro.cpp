@@ -8,8 +8,8 @@
 
 namespace quillet::db {
 
-VelkDBPro::VelkDBPro(DailyLog dailyLog, Yield yield)
-    : dailyLog_(std::move(dailyLog)), yield_(std::move(yield)) {}
+VelkDBPro::VelkDBPro(DailyLog dailyLog, Yield yield, WaitHandler* waits)
+    : dailyLog_(std::move(dailyLog)), yield_(std::move(yield)), waits_(waits) {}
 
 void VelkDBPro::succeed() {
     StatusFlag = 1;
@@ -35,6 +35,7 @@ void VelkDBPro::failWith(const Error& error) {
 void VelkDBPro::DBOpen(const std::string& constr) {
     try {
         Conn = Connection();
+        Conn.setWaitHandler(waits_);
         Conn.Open(constr);
         succeed();
     } catch (const std::exception&) {

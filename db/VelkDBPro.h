@@ -38,7 +38,8 @@ public:
     /// Lets the window handle what is waiting for it.
     using Yield = std::function<void()>;
 
-    VelkDBPro(DailyLog dailyLog, Yield yield);
+    /// @param waits see Connection::setWaitHandler().
+    VelkDBPro(DailyLog dailyLog, Yield yield, WaitHandler* waits = nullptr);
 
     void DBOpen(const std::string& constr);
 
@@ -50,6 +51,12 @@ public:
     /// Where the latest PUT_DATA failed: the index of the statement; the array's size when all ran
     /// and the commit was refused.
     std::size_t failedIndex() const noexcept { return failedIndex_; }
+
+    /// See Connection::file().
+    const std::filesystem::path& file() const noexcept { return Conn.file(); }
+
+    /// Whether it is open, and on the file that its path leads to.
+    bool isUsable() const noexcept { return Conn.IsOpen() && !Conn.hasMoved(); }
 
     /// See Connection::fileAtRisk().
     const std::filesystem::path& fileAtRisk() const noexcept { return Conn.fileAtRisk(); }
@@ -102,6 +109,7 @@ private:
     std::size_t failedIndex_ = 0;
     DailyLog dailyLog_;
     Yield yield_;
+    WaitHandler* waits_;
 };
 
 } // namespace quillet::db

@@ -6,6 +6,7 @@
 #include "db/sqlite/AccessFunctions.h"
 #include "db/sqlite/SqliteCursor.h"
 #include "db/sqlite/SqliteHandle.h"
+#include "db/sqlite/SqliteWaits.h"
 
 #include <algorithm>
 #include <array>
@@ -59,7 +60,9 @@ SqliteDatabase openStore(const std::filesystem::path& file) {
         throw providerError("08001", "The store database '" + textOf(file) +
                                          "' cannot be opened: " +
                                          (opened ? sqlite3_errmsg(opened) : "out of memory"));
-    sqlite3_busy_timeout(opened, static_cast<int>(SqliteEngine::BusyTimeout.count()));
+    // What a transaction changes stays in memory until its commit: written out before, it would
+    // keep everybody else from reading until then (sqlite.org/pragma.html#pragma_cache_spill).
+    sqlite3_exec(opened, "PRAGMA cache_spill=OFF", nullptr, nullptr, nullptr);
     addAccessFunctions(opened);
     return database;
 }
@@ -67,7 +70,8 @@ SqliteDatabase openStore(const std::filesystem::path& file) {
 } // namespace
 
 struct SqliteEngine::Database {
-    explicit Database(const std::filesystem::path& file) : handle(openStore(file)) {}
+    explicit Database(const std::filesystem::path& file)
+        : handle(openStore(file)), waits(handle.get()) {}
 
     SqliteStatement prepare(const std::string& statement) {
         const std::string& sql = translateAccessSql(statement, translated);
@@ -92,7 +96,15 @@ struct SqliteEngine::Database {
         return owner;
     }
 
+    void execute(const std::string& statement, std::chrono::milliseconds lockLimit) {
+        const SqliteWaits::Operation operation(waits, lockLimit);
+        const SqliteStatement prepared = prepare(statement);
+        while (stepSqlite(prepared.get())) {
+        }
+    }
+
     SqliteDatabase handle;
+    SqliteWaits waits;
     std::string translated;
 };
 
@@ -102,18 +114,21 @@ SqliteEngine::SqliteEngine(const std::filesystem::path& file)
 SqliteEngine::~SqliteEngine() = default;
 
 void SqliteEngine::execute(const std::string& statement) {
-    const SqliteStatement prepared = database_->prepare(statement);
-    while (stepSqlite(prepared.get())) {
-    }
+    database_->execute(statement, LockPatience);
 }
 
 std::unique_ptr<Cursor> SqliteEngine::query(const std::string& source) {
+    const SqliteWaits::Operation operation(database_->waits, LockPatience);
     return std::make_unique<SqliteCursor>(database_->prepare(source));
 }
 
 std::unique_ptr<Cursor> SqliteEngine::queryColumn(const std::string& source,
                                                   const std::string& column) {
     return query("SELECT [" + column + "] FROM (" + source + ")");
+}
+
+void SqliteEngine::setWaitHandler(WaitHandler* handler) {
+    database_->waits.setHandler(handler);
 }
 
 void SqliteEngine::begin() {
@@ -124,7 +139,7 @@ void SqliteEngine::begin() {
 
 void SqliteEngine::commit() {
     transaction_.requireActive();
-    execute("COMMIT");
+    database_->execute("COMMIT", CommitPatience);
     transaction_.ended();
 }
 

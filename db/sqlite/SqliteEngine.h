@@ -18,8 +18,12 @@ namespace quillet::db {
 /// parameters is 07002, since nothing could ever be bound to them.
 class SqliteEngine final : public Engine {
 public:
-    /// How long a statement waits for a lock that another program holds on the file.
-    static constexpr std::chrono::milliseconds BusyTimeout{5000};
+    /// How long an operation waits for a lock that another program holds on the file.
+    static constexpr std::chrono::milliseconds LockPatience{30'000};
+
+    /// How long a commit waits for others to end their reading. It is shorter: as long as it waits,
+    /// nobody can begin to read.
+    static constexpr std::chrono::milliseconds CommitPatience{5'000};
 
     /// Opens an existing database; it never creates one.
     /// @throws Error 08001 whose description names the file and what is wrong with it.
@@ -35,6 +39,8 @@ public:
     /// Reads that column alone, from an index where one has it: of wide rows a fraction.
     std::unique_ptr<Cursor> queryColumn(const std::string& source,
                                         const std::string& column) override;
+
+    void setWaitHandler(WaitHandler* handler) override;
 
     bool keepsTransactionsWhole() const noexcept override { return true; }
 

@@ -293,18 +293,52 @@ TEST_F(EmbeddedStoreTest, FindsItsFileAsTheConnectionStringSays) {
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR"), "2|") << "an absolute Dbq wins";
 }
 
+/// Waits as long as a test says.
+struct Patient : WaitHandler {
+    bool lockAwaited() override { return --lockCalls > 0; }
+    bool statementRuns(std::chrono::milliseconds /*soFar*/) override {
+        return --statementCalls > 0;
+    }
+    void waitOver() override { ++waitsOver; }
+    int lockCalls = 0;
+    int statementCalls = 1000;
+    int waitsOver = 0;
+};
+
 TEST_F(EmbeddedStoreTest, WaitsForAnotherProgramsLockButNotForEver) {
+    Patient patient;
+    connection_.setWaitHandler(&patient);
     connection_.Open(embedded(file()));
     const SqliteDatabase other = openRaw(file());
     sqlite3_exec(other.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
-    const auto start = std::chrono::steady_clock::now();
+    patient.lockCalls = 20;
     const Error error = errorOf([&] { connection_.BeginTrans(); });
-    const auto waited = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(error.Description(), "database is locked");
     EXPECT_EQ(error.Number(), number::Unspecified);
-    EXPECT_GT(waited, SqliteEngine::BusyTimeout * 8 / 10);
-    EXPECT_LT(waited, SqliteEngine::BusyTimeout * 2);
+    EXPECT_EQ(patient.lockCalls, 0) << "asked again and again, until it gave up";
+    EXPECT_EQ(patient.waitsOver, 1);
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR"), "2|") << "reading goes on";
+
+    // A commit waits for readers, for a shorter time: it keeps new ones out.
+    sqlite3_exec(other.get(), "ROLLBACK; BEGIN; SELECT * FROM PR", nullptr, nullptr, nullptr);
+    patient.lockCalls = 100'000;
+    const auto start = std::chrono::steady_clock::now();
+    connection_.BeginTrans();
+    connection_.Execute("DELETE FROM PR");
+    EXPECT_EQ(errorOf([&] { connection_.CommitTrans(); }).Description(), "database is locked");
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GT(waited, SqliteEngine::CommitPatience * 8 / 10);
+    EXPECT_LT(waited, SqliteEngine::CommitPatience * 3);
+    connection_.RollbackTrans();
+
+    // A statement without an end.
+    patient.statementCalls = 5;
+    EXPECT_EQ(errorOf([&] {
+                  connection_.Execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i FROM n) "
+                                      "SELECT COUNT(*) FROM n");
+              }).Description(),
+              "interrupted");
+    EXPECT_EQ(patient.statementCalls, 0);
 
     sqlite3_exec(other.get(), "ROLLBACK; BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
     Connection late;
@@ -313,6 +347,38 @@ TEST_F(EmbeddedStoreTest, WaitsForAnotherProgramsLockButNotForEver) {
     Transaction transaction(late);
     late.Execute("DELETE FROM PR");
     transaction.Commit();
+}
+
+TEST_F(EmbeddedStoreTest, OthersReadUntilALargeTransactionCommits) {
+    connection_.Open(embedded(file()));
+    const SqliteDatabase other = openRaw(file());
+    Transaction transaction(connection_);
+    // Several times what SQLite keeps in memory by itself.
+    for (int i = 0; i < 10'000; ++i)
+        connection_.Execute("INSERT INTO PR (PR_CODE,PR_NAME) VALUES ('" + std::to_string(i) +
+                            "', '" + std::string(1000, 'x') + "')");
+    EXPECT_EQ(sqlite3_exec(other.get(), "SELECT COUNT(*) FROM PR", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    transaction.Commit();
+    EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR"), "10002|");
+}
+
+TEST_F(EmbeddedStoreTest, ACommitIntoAFileThatIsNoLongerTheStoreIsAnError) {
+    const std::filesystem::path aside = folder_ / "aside.MDB";
+    const auto whileOpen = [&](const auto& change) {
+        connection_.Open(embedded(file()));
+        connection_.BeginTrans();
+        connection_.Execute("DELETE FROM PR");
+        change();
+        const Error error = errorOf([&] { connection_.CommitTrans(); });
+        return error.Description();
+    };
+    EXPECT_EQ(whileOpen([] {}), "no error");
+    EXPECT_THAT(whileOpen([&] { std::filesystem::rename(file(), aside); }), HasSubstr("moved"));
+    std::filesystem::copy_file(aside, file());
+    EXPECT_TRUE(connection_.hasMoved()) << "another file of the same name";
+    connection_.RollbackTrans();
+    EXPECT_THAT(errorOf([&] { connection_.BeginTrans(); }).Description(), HasSubstr("replaced"));
 }
 
 } // namespace

@@ -1,0 +1,43 @@
+#include "db/DurableFile.h"
+#include "db/Error.h"
+#include "db/Paths.h"
+
+#include <string>
+#include <windows.h>
+
+namespace quillet::db {
+
+namespace {
+
+/// @return whether all of it is on the disk.
+bool writeNew(const std::filesystem::path& file, std::string_view bytes) {
+    const HANDLE target = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (target == INVALID_HANDLE_VALUE)
+        return false;
+    DWORD written = 0;
+    const bool done =
+        WriteFile(target, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0 &&
+        written == bytes.size() && FlushFileBuffers(target) != 0;
+    const DWORD reason = GetLastError();
+    CloseHandle(target);
+    SetLastError(reason);
+    return done;
+}
+
+} // namespace
+
+void writeDurably(const std::filesystem::path& file, std::string_view bytes) {
+    std::filesystem::path unfinished = file;
+    unfinished += ".new";
+    if (writeNew(unfinished, bytes) &&
+        MoveFileExW(unfinished.c_str(), file.c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+        return;
+    const DWORD reason = GetLastError();
+    DeleteFileW(unfinished.c_str());
+    throw Error(number::FileAccess, "Path/File access error: " + textOf(file) + ": system error " +
+                                        std::to_string(reason));
+}
+
+} // namespace quillet::db
