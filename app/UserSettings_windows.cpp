@@ -1,4 +1,5 @@
 #include "app/UserSettings.h"
+#include "db/Error.h"
 
 #include <QSettings>
 #include <QString>
@@ -21,6 +22,9 @@ public:
                      const std::string& key, const std::string& value) override {
         QSettings registry(keyOf(application, section), QSettings::NativeFormat);
         registry.setValue(QString::fromStdString(key), QString::fromStdString(value));
+        registry.sync();
+        if (registry.status() != QSettings::NoError)
+            throw db::Error(db::number::FileAccess, "The registry refuses the value " + key + ".");
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "app/ConnectionStrings.h"
 #include "app/IniSettings.h"
 #include "app/PlaceWindow.h"
+#include "db/Error.h"
 #include "db/Paths.h"
 #include "tests/support/TempFolder.h"
 
@@ -8,6 +9,10 @@
 #include <QScreen>
 #include <QWidget>
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <thread>
 
 namespace quillet::app {
 namespace {
@@ -47,6 +52,37 @@ TEST(IniSettingsTest, ReadsWhatAPersonWroteAndKeepsIt) {
                                      "\n"
                                      "[ZELMARO_II/DBLOC]\n"
                                      "RCVVERSION=1.0.0\n");
+}
+
+TEST(IniSettingsTest, ReplacesNothingThatItDoesNotUnderstand) {
+    const tests::TempFolder folder;
+    const auto file = folder / "settings.ini";
+    const std::string setting = "[HALDREN/Settings]\n가맹점=1000";
+    const std::string cases[] = {
+        "",                                    // cut to nothing, about to be written
+        "[HALDREN/Settings]\n\xB0\xA1=1\n",    // code page 949
+        std::string("\xFF\xFE[\0H\0\n\0", 8),  // UTF-16
+        std::string("[\0H\0]\0\n\0", 8),       // without its mark
+        setting.substr(0, setting.size() - 6), // cut in a letter
+    };
+    for (const std::string& bytes : cases) {
+        tests::writeFile(file, bytes);
+        IniSettings settings(QString::fromStdString(db::textOf(file)));
+        EXPECT_THROW(settings.GetSetting("HALDREN", "Settings", "가맹점"), db::Error) << bytes;
+        EXPECT_THROW(settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1"), db::Error);
+        EXPECT_EQ(tests::readFile(file), bytes);
+    }
+    // Half of it is there, then the rest: nothing of it is lost.
+    tests::writeFile(file, setting);
+    std::thread writer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        std::ofstream(file, std::ios::app) << "0\nDBName=chain\n";
+    });
+    IniSettings settings(QString::fromStdString(db::textOf(file)));
+    settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1");
+    writer.join();
+    EXPECT_EQ(tests::readFile(file),
+              setting + "0\nDBName=chain\n\n[ZELMARO_II/DBLOC]\nRCVVERSION=1\n");
 }
 
 TEST(ConnectionStringsTest, AreExact) {
