@@ -4,6 +4,9 @@
 
 namespace quillet::app {
 
+/// The store database's file.
+inline constexpr const char* StoreFileName = "food.MDB";
+
 /// The store database `food.MDB` in a folder. Values go in as they stand.
 std::string storeConnectionString(const std::string& folder);
 

@@ -17,6 +17,7 @@
 #include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
 #include "sync/ReceivedRowFlags.h"
+#include "sync/Receiver.h"
 #include "sync/SettingsFlags.h"
 #include "sync/UpdateStamps.h"
 
@@ -50,9 +51,14 @@ bool receiveProducts(sync::Run& run) {
 }
 
 bool receiveSetMenusUnlessSkipped(sync::Run& run) {
-    run.setMenuSkipFlag = sync::leadingInteger(sync::ReadSetMenuSetting(run));
-    return run.setMenuSkipFlag != 0 || receivers::ReceiveSetMenus(run);
+    const bool known = sync::guardReceiver(run, receivers::SetMenusTitle, [&](std::size_t&) {
+        run.setMenuSkipFlag = sync::leadingInteger(sync::ReadSetMenuSetting(run));
+    });
+    return known && (run.setMenuSkipFlag != 0 || receivers::ReceiveSetMenus(run));
 }
+
+/// Of a run as a whole.
+constexpr const char* RunFailed = "기초자료 수신 실패했습니다";
 
 constexpr std::array Menu{
     Step{readSettingsFlags, "분류자료 수신 실패했습니다"},
@@ -105,9 +111,14 @@ std::int32_t sumBefore(const db::GroupCounts& counts, std::size_t group) {
 
 } // namespace
 
+RunDriver::RunDriver(sync::Run& run, ReceiveView& view)
+    : run_(run), view_(view), safeguard_(run), owedSettings_(run.store().file()) {}
+
 bool RunDriver::fail(const char* text) {
-    view_.lbl_MSG().SetCaption(text);
-    view_.showPhase(RunPhase::Failed);
+    if (!run_.isEnding()) { // then nothing has failed
+        view_.lbl_MSG().SetCaption(text);
+        view_.showPhase(RunPhase::Failed);
+    }
     view_.setHourglass(false);
     return false;
 }
@@ -120,10 +131,12 @@ RunDriver::Result RunDriver::receive() {
     run_.clearStatements();
     run_.DelList.assign(1, std::string());
     run_.failure.reset();
-    sync::StoreSafeguard safeguard(run_);
-    safeguard.begin();
+    run_.mustFinish = false;
+    if (!knowStamps())
+        return Result::Failed;
+    safeguard_.begin();
     if (!collect()) {
-        safeguard.abandon();
+        safeguard_.abandon();
         return Result::Failed;
     }
 
@@ -132,7 +145,18 @@ RunDriver::Result RunDriver::receive() {
                      "자료수신 완료");
         return Result::NothingToReceive; // the pointer stays; the window closes next
     }
-    return execute(safeguard);
+    return execute();
+}
+
+/// They are read once. A store that could not be read before is read again.
+bool RunDriver::knowStamps() {
+    if (!run_.stampsRead) {
+        if (!sync::ReadStamps(run_))
+            return fail(RunFailed);
+        safeguard_.recoverStamps();
+    }
+    run_.storeSettingsSince = owedSettings_.since(run_.stamp(sync::Group::Settings));
+    return true;
 }
 
 bool RunDriver::collect() {
@@ -157,8 +181,22 @@ bool RunDriver::collect() {
     return true;
 }
 
-RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
-    safeguard.expectRows();
+bool RunDriver::prepareBatch() {
+    return sync::guardReceiver(run_, sync::StoreTitle, [&](std::size_t& /*handledRows*/) {
+        safeguard_.expectRows();
+        owedSettings_.note(run_.storeSettingsSince);
+        run_.yieldOrEnd(); // the last moment for it
+    });
+}
+
+RunDriver::Result RunDriver::execute() {
+    if (!prepareBatch()) {
+        owedSettings_.withdraw();
+        safeguard_.abandon();
+        fail(RunFailed);
+        return Result::Failed;
+    }
+    run_.mustFinish = true;
     view_.showPhase(RunPhase::Writing);
     view_.Label3(0).SetCaption(std::to_string(run_.RowTotal));
     view_.PBar1(0).SetMin(0);
@@ -170,18 +208,24 @@ RunDriver::Result RunDriver::execute(sync::StoreSafeguard& safeguard) {
     const bool committed = run_.store().Status() == 1;
     if (!committed)
         takeFailureDown();
-    const bool whole = safeguard.verify(committed);
+    const bool whole = safeguard_.verify(committed);
     view_.setHourglass(false);
+    if (!committed && whole)
+        owedSettings_.withdraw();
     if (!committed || !whole) {
         view_.PBar1(0).SetValue(0);
         view_.PBar1(1).SetValue(0);
-        fail("기초자료 수신 실패했습니다");
+        fail(RunFailed);
         return Result::Failed;
     }
     view_.lbl_MSG().SetCaption("기초자료 수신 완료했습니다");
     view_.showPhase(RunPhase::Committed);
     sync::SweepReceivedRows(run_);
-    receiveStoreSettings();
+    run_.mustFinish = false; // what is left is owed, and noted as that
+    if (receiveStoreSettings()) {
+        owedSettings_.settle();
+        safeguard_.release();
+    }
     return Result::Received;
 }
 
@@ -199,19 +243,14 @@ void RunDriver::takeFailureDown() {
 }
 
 /// Outside the run's transaction: the base data is in the store, whatever comes of this.
-void RunDriver::receiveStoreSettings() {
-    if (!receivers::ReceiveStoreSettings(run_)) {
-        fail("매장별설정자료 수신 실패했습니다");
-        return;
-    }
+/// @return whether nothing is owed any more.
+bool RunDriver::receiveStoreSettings() {
+    if (!receivers::ReceiveStoreSettings(run_))
+        return fail("매장별설정자료 수신 실패했습니다");
     run_.store().PUT_DATA_DEL(run_.statements);
-    if (run_.store().Status() == 1)
-        return;
-    // The window closes and the stamp has moved on: nobody would ever know. The text begins with
-    // the error's number.
-    const std::string& failure = run_.store().errorText();
-    run_.fail(receivers::StoreSettingsTitle, "",
-              db::Error(static_cast<long>(sync::leadingNumber(failure)), failure));
+    if (run_.store().Status() != 1)
+        run_.logBatchFailure(receivers::StoreSettingsTitle);
+    return run_.store().Status() == 1;
 }
 
 } // namespace quillet::app

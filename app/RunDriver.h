@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ReceiveView.h"
+#include "sync/OwedSettings.h"
 #include "sync/Run.h"
 #include "sync/StoreSafeguard.h"
 
@@ -11,6 +12,9 @@ namespace quillet::app {
 /// What the start button does: receives the ticked groups in their fixed order, then hands what
 /// they collected to the store in one transaction. After a success it sweeps the rows that no
 /// longer came, and receives the store's own settings.
+///
+/// Until something is written, the run ends where it is when a person wants the end: no text is
+/// shown then, nothing is logged, and the result is Failed.
 class RunDriver {
 public:
     enum class Result : std::int16_t {
@@ -19,19 +23,23 @@ public:
         NothingToReceive = 2 ///< said in a message box; the window closes
     };
 
-    RunDriver(sync::Run& run, ReceiveView& view) : run_(run), view_(view) {}
+    RunDriver(sync::Run& run, ReceiveView& view);
 
     Result receive();
 
 private:
+    bool knowStamps();
     bool collect();
-    Result execute(sync::StoreSafeguard& safeguard);
+    bool prepareBatch();
+    Result execute();
     void takeFailureDown();
-    void receiveStoreSettings();
+    bool receiveStoreSettings();
     bool fail(const char* text);
 
     sync::Run& run_;
     ReceiveView& view_;
+    sync::StoreSafeguard safeguard_;
+    sync::OwedSettings owedSettings_;
 };
 
 } // namespace quillet::app

@@ -9,9 +9,9 @@
 #include "db/DB_Control.h"
 #include "db/Paths.h"
 #include "sync/ReceivedRowFlags.h"
-#include "sync/StoreSafeguard.h"
-#include "sync/UpdateStamps.h"
+#include "sync/Receiver.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -46,6 +46,9 @@ bool hasSmoothCorners() {
     return platform == QLatin1String("windows") || platform == QLatin1String("wayland") ||
            platform == QLatin1String("offscreen");
 }
+
+/// How long a statement may take when somebody wants the end: far longer than any of a receive.
+constexpr std::chrono::seconds LongestStatement{10};
 
 /// Line ends as message boxes know them.
 QString lines(const std::string& text) {
@@ -82,7 +85,11 @@ void frm_Quillet::Form_Load() {
     Label3(0).SetCaption("0");
     Label3(1).SetCaption("0");
     controls_.display.refresh();
-    composeServerConnection();
+    try {
+        composeServerConnection();
+    } catch (
+        const db::Error&) { // NOLINT(bugprone-empty-catch): start-up meets it again, and says so
+    }
     setFixedSize(WindowSize * scaleForScreen());
     PlaceWindow(*this, Centred, true);
 }
@@ -92,33 +99,50 @@ void frm_Quillet::Form_Activate() {
         return;
     activating_ = true;
     controls_.setEnabled(false);
-    activated_ = startUp();
+    try {
+        activated_ = startUp();
+    } catch (const db::Error& error) {
+        failStartUp(error);
+    }
     activating_ = false;
     becomeIdle();
 }
 
 bool frm_Quillet::startUp() {
+    run_.reset();
+    composeServerConnection();
     if (!takeStore())
         return false;
     bool opened = false;
     openStoreDatabase(opened);
     if (!opened)
         return false;
-    run_ = std::make_unique<sync::Run>(
-        *db::DB_Control::StoreConnection, surroundings_.settings,
-        db::DownloadLog(surroundings_.programFolder, surroundings_.clock), surroundings_.clock,
-        surroundings_.observer);
+    run_ = std::make_unique<sync::Run>(*db::DB_Control::StoreConnection, surroundings_.settings,
+                                       downloadLog(), surroundings_.clock, surroundings_.observer);
     run_->yield = [this] { controls_.display.yield(); };
+    run_->endWanted = [this] { return closeWanted_; };
     readHeadOffice();
     QCoreApplication::processEvents(); // so that the window paints
+    reportVersionOnce();
     if (closeWanted_)
         return false; // it was closed instead
-    reportVersionOnce();
     migrateFlagColumnsOnce();
-    sync::ReadStamps(*run_);
-    sync::StoreSafeguard(*run_).recoverStamps();
     runDriver();
     return true;
+}
+
+/// The window stays, and its start button tries again.
+void frm_Quillet::failStartUp(const db::Error& error) {
+    const sync::Failure failure{"설정 확인", "",
+                                std::to_string(error.Number()) + " : " + error.Description()};
+    downloadLog().write(failure.title, "", error.Number(), error.Description());
+    lbl_MSG().SetCaption("설정을 읽을 수 없습니다");
+    showPhase(RunPhase::Failed);
+    controls_.showFailure(failure);
+}
+
+db::DownloadLog frm_Quillet::downloadLog() const {
+    return db::DownloadLog(surroundings_.programFolder, surroundings_.clock);
 }
 
 void frm_Quillet::Form_QueryUnload() {
@@ -127,13 +151,27 @@ void frm_Quillet::Form_QueryUnload() {
 }
 
 bool frm_Quillet::takeStore() {
-    if (storeLock_ == nullptr)
-        storeLock_ = StoreLock::take(db::pathOf(storeFolder()));
-    if (storeLock_ == nullptr) {
+    const std::filesystem::path store = db::pathOf(storeFolder()) / StoreFileName;
+    storeLock_.reset();
+    storeLock_ = std::make_unique<StoreLock>(store);
+    switch (storeLock_->outcome()) {
+    case StoreLock::Outcome::Held:
+        break;
+    case StoreLock::Outcome::HeldElsewhere:
         lbl_MSG().SetCaption("다른 창에서 이미 기초자료를 수신하고 있습니다");
         showPhase(RunPhase::Failed);
+        return false;
+    case StoreLock::Outcome::NotPossible:
+        // A store that is not there has its own words, when it is read.
+        if (std::error_code unknown; std::filesystem::exists(store, unknown))
+            downloadLog().write(sync::StoreTitle, "", db::number::FileAccess,
+                                "The store cannot be locked against a second window (" +
+                                    storeLock_->reason() +
+                                    "). It is received all the same: see "
+                                    "to it that one window at a time does.");
+        break;
     }
-    return storeLock_ != nullptr;
+    return true;
 }
 
 std::string frm_Quillet::storeFolder() const {
@@ -146,10 +184,12 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
     opened = false;
     try {
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
-            db::DailyLog(surroundings_.programFolder, surroundings_.clock), [this] {
+            db::DailyLog(surroundings_.programFolder, surroundings_.clock),
+            [this] {
                 controls_.display.yield();
                 run_->observer().statementDone();
-            });
+            },
+            static_cast<db::WaitHandler*>(this));
         db::DB_Control::StoreConnection->DBOpen(storeConnectionString(storeFolder()));
         // A failed open deliberately counts as opened: the run then fails on its first store
         // statement, in the window's own words.
@@ -175,8 +215,8 @@ void frm_Quillet::readHeadOffice() {
     headOffice.serverAddress = headOfficeSetting("1차서버");
     if (db::isBlank(headOffice.serverAddress)) {
         headOffice.serverAddress = headOfficeSetting("2차서버");
-        surroundings_.settings.SaveSetting(sync::HeadOfficeApplication, "Settings", "1차서버",
-                                           headOffice.serverAddress);
+        run_->saveSetting(sync::HeadOfficeApplication, "Settings", "1차서버",
+                          headOffice.serverAddress);
     }
     headOffice.remoteObjectName = headOfficeSetting("개체명");
     headOffice.storeCode = headOfficeSetting("가맹점");
@@ -186,11 +226,11 @@ void frm_Quillet::readHeadOffice() {
 
 void frm_Quillet::reportVersionOnce() {
     constexpr const char* Application = "ZELMARO_II";
-    sync::Settings& settings = surroundings_.settings;
+    const sync::Settings& settings = surroundings_.settings;
     const std::string version(db::trimmed(surroundings_.version));
     const std::string reported = settings.GetSetting(Application, "DBLOC", "RCVVERSION");
     if (version != db::trimmed(reported) && ReportReceiveVersion(*run_, version))
-        settings.SaveSetting(Application, "DBLOC", "RCVVERSION", version);
+        run_->saveSetting(Application, "DBLOC", "RCVVERSION", version);
 }
 
 void frm_Quillet::migrateFlagColumnsOnce() {
@@ -205,10 +245,13 @@ void frm_Quillet::startButton() {
         inform("기초자료 수신 정보를 선택하세요", "기초자료 선택");
         return;
     }
-    if (run_ != nullptr)
+    if (run_ != nullptr && run_->store().isUsable()) {
         runDriver();
-    else
-        Form_Activate();
+        return;
+    }
+    // A store that was put in its place, or replaced, while the window stood open.
+    activated_ = false;
+    Form_Activate();
 }
 
 void frm_Quillet::runDriver() {
@@ -233,6 +276,34 @@ void frm_Quillet::becomeIdle() {
     controls_.setEnabled(true);
     if (closeWanted_)
         close();
+}
+
+void frm_Quillet::say(const std::string& text) {
+    if (messageBeforeWait_)
+        messageBeforeWait_ = text;
+    else
+        lbl_MSG().SetCaption(text);
+}
+
+bool frm_Quillet::lockAwaited() {
+    if (!messageBeforeWait_) {
+        messageBeforeWait_ = lbl_MSG().Caption();
+        lbl_MSG().SetCaption("다른 프로그램이 저장소를 쓰고 있어 기다립니다");
+    }
+    controls_.display.yield();
+    return run_ == nullptr || !run_->isEnding();
+}
+
+void frm_Quillet::waitOver() {
+    if (!messageBeforeWait_)
+        return;
+    lbl_MSG().SetCaption(*messageBeforeWait_);
+    messageBeforeWait_.reset();
+}
+
+bool frm_Quillet::statementRuns(std::chrono::milliseconds soFar) {
+    controls_.display.yield();
+    return !closeWanted_ || (run_ != nullptr && run_->mustFinish && soFar < LongestStatement);
 }
 
 sync::Ticks frm_Quillet::ticks() const {
@@ -266,7 +337,12 @@ void frm_Quillet::showEvent(QShowEvent* event) {
 void frm_Quillet::closeEvent(QCloseEvent* event) {
     if (isBusy()) {
         closeWanted_ = true;
-        lbl_MSG().SetCaption("수신이 끝나면 창을 닫습니다");
+        if (run_ != nullptr && run_->mustFinish)
+            say("수신이 끝나면 창을 닫습니다");
+        controls_.display.refresh();
+        // The run that shows a message box goes on behind it.
+        if (QWidget* const box = QApplication::activeModalWidget())
+            box->close();
         event->ignore();
         return;
     }

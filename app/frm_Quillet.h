@@ -5,12 +5,15 @@
 #include "app/StoreLock.h"
 #include "app/WindowControls.h"
 #include "db/Clock.h"
+#include "db/Error.h"
+#include "db/WaitHandler.h"
 #include "sync/Run.h"
 #include "sync/Settings.h"
 
 #include <QPoint>
 #include <QWidget>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -30,10 +33,11 @@ struct WindowSurroundings {
 /// The main window: brings itself up, opens the store, and receives at its first activation as if
 /// the start button had been pressed.
 ///
-/// Everything runs on the window's thread, and the window stays alive meanwhile. Closing it during
-/// a run takes effect when the run has ended, so that a transaction is never torn. A second window
-/// on the same store says so and receives nothing.
-class frm_Quillet final : public QWidget, private ReceiveView {
+/// Everything runs on the window's thread, and the window stays alive meanwhile. Closing it ends a
+/// run at once as long as nothing has been written; after that it takes effect when the run has
+/// ended, so that a transaction is never torn. A second window on the same store says so and
+/// receives nothing.
+class frm_Quillet final : public QWidget, private ReceiveView, private db::WaitHandler {
     Q_OBJECT
 
 public:
@@ -59,6 +63,9 @@ private:
     bool isBusy() const { return activating_ || running_; }
     void becomeIdle();
     bool takeStore();
+    void failStartUp(const db::Error& error);
+    void say(const std::string& text);
+    db::DownloadLog downloadLog() const;
     std::string storeFolder() const;
     void openStoreDatabase(bool& opened);
     void composeServerConnection();
@@ -77,6 +84,11 @@ private:
     void setHourglass(bool on) override;
     void inform(const std::string& text, const std::string& title) override;
 
+    // db::WaitHandler
+    bool lockAwaited() override;
+    bool statementRuns(std::chrono::milliseconds soFar) override;
+    void waitOver() override;
+
     WindowSurroundings surroundings_;
     WindowControls controls_;
     std::unique_ptr<StoreLock> storeLock_;
@@ -87,6 +99,7 @@ private:
     bool running_ = false;
     bool closeWanted_ = false;
     bool hourglass_ = false;
+    std::optional<std::string> messageBeforeWait_; ///< while another program's lock is waited for
     std::optional<QPoint> grip_; ///< where the pointer holds the window, while it does
 };
 

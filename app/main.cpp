@@ -1,11 +1,14 @@
 #include "app/Appearance.h"
+#include "app/EndRequests.h"
 #include "app/UserSettings.h"
 #include "app/frm_Quillet.h"
 #include "db/Paths.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 namespace {
@@ -33,9 +36,15 @@ int main(int argc, char* argv[]) {
 
     const auto settings = quillet::app::openUserSettings();
     DemonstrationPause pause;
+    std::filesystem::path folder =
+        quillet::db::pathOf(QCoreApplication::applicationDirPath().toStdString());
     quillet::app::frm_Quillet window(
-        {*settings, quillet::db::pathOf(QCoreApplication::applicationDirPath().toStdString()),
-         QUILLET_VERSION, quillet::db::localNow, &pause});
+        {*settings, folder.make_preferred(), QUILLET_VERSION, quillet::db::localNow, &pause});
+    // Closing decides what may end at once and what has to be finished first.
+    const auto close = [&window] { window.close(); };
+    const quillet::app::EndRequests endRequests(close);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window, close,
+                     Qt::DirectConnection);
     window.show();
     return QApplication::exec();
 }

@@ -1,6 +1,5 @@
 #include "receivers/ReceiveCategories.h"
 
-#include "db/AsciiText.h"
 #include "receivers/Titles.h"
 #include "sync/Receiver.h"
 #include "sync/SqlTemplate.h"
@@ -39,12 +38,10 @@ void emptyMenuTables(sync::Run& run) {
     run.DelList.insert(run.DelList.end(),
                        {" DELETE FROM PRO  ", " DELETE FROM PRS  ", " DELETE FROM PRC  ",
                         " DELETE FROM PR   ", " DELETE FROM KIND "});
+    // A store without a menu must not be left like that because somebody closes the window.
+    run.mustFinish = true;
     // Its status is deliberately not asked: what could not be emptied is looked up like any row.
     run.store().PUT_DATA_DEL(run.DelList);
-}
-
-bool neverReceived(const sync::Run& run) {
-    return db::isBlank(run.stamp(sync::Group::Menu));
 }
 
 } // namespace
@@ -58,7 +55,7 @@ bool ReceiveCategories(sync::Run& run) {
                                .insert = insertIfShown,
                                .update = Update,
                                .beforeLookup = [&run] {
-                                   if (neverReceived(run))
+                                   if (run.menuNeverReceived)
                                        emptyMenuTables(run);
                                }});
 }

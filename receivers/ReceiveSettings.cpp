@@ -50,7 +50,7 @@ bool ReceiveStoreSettings(sync::Run& run) {
     return receiveSettings(run, StoreSettingsTitle,
                            "RCTBAS "
                            " WHERE IF(ISNULL(BAS_DATE),' ',BAS_DATE) > '" +
-                               run.stamp(sync::Group::Settings) + "' AND RCT_CODE = '" +
+                               run.storeSettingsSince + "' AND RCT_CODE = '" +
                                run.storeCodeSetting() + "'");
 }
 

@@ -8,7 +8,7 @@ void MigrateFlagColumns(Run& run) {
                                      "ALTER TABLE PRO ADD COLUMN PRO_RCV TEXT(1) "};
     std::string unread;
     run.store().PUT_DATA_TABLE(columns, 0, unread);
-    run.settings().SaveSetting(StoreApplication, "RCV", "TABLEUPDATE", db::dateTimeText(run.now()));
+    run.saveSetting(StoreApplication, "RCV", "TABLEUPDATE", db::dateTimeText(run.now()));
 }
 
 void SweepReceivedRows(Run& run) {
@@ -23,6 +23,8 @@ void SweepReceivedRows(Run& run) {
         run.append(" UPDATE PRS SET PRS_RCV = '9'");
     run.append(" UPDATE PRO SET PRO_RCV = '9'");
     run.store().PUT_DATA_DEL(run.statements);
+    if (run.store().Status() != 1)
+        run.logBatchFailure("미수신 자료 정리");
 }
 
 } // namespace quillet::sync

@@ -13,7 +13,7 @@ namespace quillet::sync {
 void MigrateFlagColumns(Run& run);
 
 /// Deletes the rows that the run did not mark and marks the others '9' for the next one, all or
-/// nothing; the store connection's status says which.
+/// nothing. A failure is in the download log; the rows then go with the next sweep.
 ///
 /// Deliberately looks at no checkbox: after a run without the menu group, every marked row goes.
 /// Set menus are left alone while the store skips them.

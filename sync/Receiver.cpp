@@ -10,7 +10,7 @@ namespace {
 void yieldNowAndThen(Run& run) {
     constexpr std::size_t Statements = 32;
     if (run.statements.size() % Statements == 0)
-        run.yield();
+        run.yieldOrEnd();
 }
 
 /// The element of the statement array that a failure logs: the one at the handled-row counter.
@@ -77,6 +77,8 @@ bool guardReceiver(Run& run, std::string_view title,
         steps(handledRows);
         return true;
     } catch (const std::exception&) {
+        if (run.isEnding())
+            return false;
         run.fail(std::string(title), loggedStatement(run, handledRows), db::currentError());
         return false;
     }

@@ -54,9 +54,12 @@ struct Upsert {
 ///         counter's index.
 [[nodiscard]] bool receive(Run& run, const Upsert& upsert);
 
+/// Under which the download log has failures of the store that are no receiver's.
+inline constexpr const char* StoreTitle = "저장소 확인";
+
 /// The steps of a receiver under the failure path that all of them share.
 /// @param steps gets the handled-row counter, which decides the statement that a failure logs.
-/// @return as receive().
+/// @return as receive(). Steps that a person has ended have not failed: nothing is logged.
 [[nodiscard]] bool guardReceiver(Run& run, std::string_view title,
                                  const std::function<void(std::size_t& handledRows)>& steps);
 

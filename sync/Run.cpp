@@ -1,6 +1,7 @@
 #include "sync/Run.h"
 
 #include "rds/RemoteObject.h"
+#include "sync/LeadingNumber.h"
 
 namespace quillet::sync {
 
@@ -39,10 +40,30 @@ bool Run::executeOnServer(db::StatementArray serverStatements) {
     return CommandObj.PUTSQL(serverStatements, errorText, connectionString);
 }
 
+void Run::yieldOrEnd() const {
+    yield();
+    if (isEnding())
+        throw db::Error(db::number::Canceled, "The receive was ended.");
+}
+
+void Run::saveSetting(const char* application, const char* section, const char* key,
+                      const std::string& value) const noexcept {
+    try {
+        settings_.SaveSetting(application, section, key, value);
+    } catch (const std::exception& refused) {
+        WriteDownloadLog("설정 저장", key, db::number::FileAccess, refused.what());
+    }
+}
+
 void Run::fail(const std::string& title, const std::string& statement, const db::Error& error) {
     WriteDownloadLog(title, statement, error.Number(), error.Description());
     failure =
         Failure{title, statement, std::to_string(error.Number()) + " : " + error.Description()};
+}
+
+void Run::logBatchFailure(const std::string& title) const noexcept {
+    const std::string& text = store_.errorText(); // begins with the error's number
+    WriteDownloadLog(title, "", static_cast<long>(leadingNumber(text)), text);
 }
 
 void Run::WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,

@@ -62,12 +62,36 @@ public:
     /// server and between rows.
     std::function<void()> yield = [] {};
 
+    /// Whether a person wants the program to end.
+    std::function<bool()> endWanted = [] { return false; };
+
+    /// Set while something is written that the rest must follow: a menu that has been emptied, the
+    /// batch. The run then goes to its end, whoever wants it.
+    bool mustFinish = false;
+
+    /// Whether the run ends where it is: somebody wants the end, and nothing has been written.
+    bool isEnding() const { return !mustFinish && endWanted(); }
+
+    /// Lets the window handle what is waiting for it.
+    /// @throws db::Error number::Canceled when the run ends here.
+    void yieldOrEnd() const;
+
     /// Why the latest run failed, if it did.
     std::optional<Failure> failure;
 
-    /// Server time of the last receive of each group; empty until read, or never received.
+    /// Server time of the last receive of each group; empty: never received. Meaningless until
+    /// read.
     std::array<std::string, Groups> stamps;
+    bool stampsRead = false;
     bool stampRowExists = false;
+
+    /// The store itself says that it never received a menu: only then may what it has be deleted,
+    /// whatever stamps are asked from.
+    bool menuNeverReceived = false;
+
+    /// From when on the store's own settings are asked for.
+    std::string storeSettingsSince;
+
     std::string newStamp; ///< server time of this run
 
     std::string priceOptionFlag; ///< "Y": prices are the stores' own
@@ -101,8 +125,16 @@ public:
     /// puts "1000" into headOffice.
     std::string storeCodeSetting() const { return headOfficeSetting(settings_, "가맹점"); }
 
+    /// Saves a setting. One that cannot be saved is told to the download log and no reason to
+    /// stop: what it is for is only done once more.
+    void saveSetting(const char* application, const char* section, const char* key,
+                     const std::string& value) const noexcept;
+
     /// Takes a failure down: in the download log, where its folder exists, and in `failure`.
     void fail(const std::string& title, const std::string& statement, const db::Error& error);
+
+    /// Writes to the download log why the store's latest PUT_DATA_DEL has failed.
+    void logBatchFailure(const std::string& title) const noexcept;
 
     /// Writes to the download log, where its folder exists.
     void WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,

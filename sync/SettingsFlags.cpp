@@ -23,6 +23,9 @@ std::string ReadSetMenuSetting(Run& run) {
     std::int32_t FDCOL = 0;
     run.store().GET_DATA(" SELECT CF_CONTENTS FROM CF WHERE CF_PART = '영업3' AND CF_IDX = 1 ", FD,
                          FDROW, FDCOL);
+    if (run.store().Status() != 1)
+        throw db::Error(db::number::Unspecified,
+                        "The set-menu setting cannot be read. " + run.store().errorText());
     return FDROW < 1 ? std::string() : FD[1][0];
 }
 

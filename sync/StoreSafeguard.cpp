@@ -1,8 +1,8 @@
 #include "sync/StoreSafeguard.h"
 
-#include "db/AsciiText.h"
 #include "db/Paths.h"
 #include "sync/LeadingNumber.h"
+#include "sync/Receiver.h"
 #include "sync/UpdateStamps.h"
 
 #include <algorithm>
@@ -15,19 +15,6 @@
 namespace quillet::sync {
 
 namespace {
-
-constexpr const char* Title = "저장소 확인";
-constexpr std::string_view Suffix = ".before-receive";
-
-std::filesystem::path beside(const std::filesystem::path& file,
-                             const std::filesystem::path& extension) {
-    if (file.empty())
-        return {};
-    std::filesystem::path result = file.parent_path() / file.stem();
-    result += Suffix;
-    result += extension;
-    return result;
-}
 
 bool isThere(const std::filesystem::path& file) {
     std::error_code unknown;
@@ -45,36 +32,43 @@ std::string insertedInto(const std::string& statement) {
     return std::string(rest.substr(0, rest.find_first_of(" (")));
 }
 
-/// -1 when they cannot be counted.
 std::int64_t rowsIn(db::VelkDBPro& store, const std::string& table) {
     db::TextTable FD;
     std::int32_t FDROW = 0;
     std::int32_t FDCOL = 0;
     store.GET_DATA("SELECT COUNT(*) FROM " + table, FD, FDROW, FDCOL);
-    return FDROW < 1 ? -1 : static_cast<std::int64_t>(leadingNumber(FD[1][0]));
+    if (store.Status() != 1 || FDROW < 1)
+        throw db::Error(db::number::Unspecified,
+                        "The rows of " + table + " cannot be counted. " + store.errorText());
+    return static_cast<std::int64_t>(leadingNumber(FD[1][0]));
 }
 
 } // namespace
 
 StoreSafeguard::StoreSafeguard(Run& run)
-    : run_(run), file_(run.store().fileAtRisk()), copy_(beside(file_, file_.extension())),
-      unfinishedCopy_(beside(file_, ".tmp")), note_(beside(file_, ".txt")) {}
+    : run_(run), file_(run.store().fileAtRisk()),
+      copy_(
+          StampNote::beside(file_, std::filesystem::path(".before-receive") += file_.extension())),
+      unfinishedCopy_(StampNote::beside(file_, ".before-receive.tmp")),
+      note_(StampNote::beside(file_, ".before-receive.txt"),
+            {StampColumns.begin(), StampColumns.end()}) {}
 
 void StoreSafeguard::recoverStamps() {
-    std::ifstream note(note_, std::ios::binary);
-    if (file_.empty() || !note)
+    if (!note_.exists())
         return;
-    for (std::string& stamp : run_.stamps) {
-        std::string line;
-        std::getline(note, line);
-        // A note that a power cut has emptied asks for everything.
-        constexpr std::string_view AfterStamp("\r;\0", 3);
-        stamp = db::trimmed(std::string_view(line).substr(0, line.find_first_of(AfterStamp)));
+    if (const auto noted = note_.read()) {
+        std::copy_n(noted->begin(), run_.stamps.size(), run_.stamps.begin());
+        return;
     }
+    run_.stamps.fill(std::string());
+    run_.WriteDownloadLog(StoreTitle, "", db::number::Unspecified,
+                          db::textOf(note_.file().filename()) +
+                              " cannot be read whole. Everything is asked for again; nothing is "
+                              "deleted for that.");
 }
 
 void StoreSafeguard::begin() {
-    if (file_.empty() || isThere(note_))
+    if (file_.empty() || note_.exists())
         return; // what an earlier run left is the last state known to be good
     ownsNote_ = true;
     // Each is worth having without the other.
@@ -88,7 +82,9 @@ void StoreSafeguard::attempt(void (StoreSafeguard::*precaution)() const) const {
     try {
         (this->*precaution)();
     } catch (const std::exception& failure) {
-        run_.WriteDownloadLog(Title, "", db::number::Unspecified, failure.what());
+        if (run_.isEnding())
+            return; // the run, too
+        run_.WriteDownloadLog(StoreTitle, "", db::number::Unspecified, failure.what());
     }
 }
 
@@ -107,7 +103,7 @@ void StoreSafeguard::copyStore() const {
         while (from.read(piece.data(), static_cast<std::streamsize>(piece.size())),
                from.gcount() > 0) {
             to.write(piece.data(), from.gcount());
-            run_.yield();
+            run_.yieldOrEnd();
         }
         to.close();
     }
@@ -115,18 +111,14 @@ void StoreSafeguard::copyStore() const {
 }
 
 void StoreSafeguard::noteStamps() const {
-    constexpr std::array<const char*, Groups> Columns{"UPD_PR", "UPD_CT", "UPD_USR", "UPD_BAS",
-                                                      "UPD_FN"};
-    std::ofstream note(note_, std::ios::binary | std::ios::trunc);
-    note.exceptions(std::ios::badbit | std::ios::failbit);
-    for (std::size_t i = 0; i < Groups; ++i)
-        note << run_.stamps[i] << " ; " << Columns[i] << "\r\n";
-    note.close();
+    note_.write({run_.stamps.begin(), run_.stamps.end()});
 }
 
-void StoreSafeguard::forget() const {
+void StoreSafeguard::release() const {
+    if (file_.empty())
+        return;
+    note_.remove();
     std::error_code unimportant;
-    std::filesystem::remove(note_, unimportant);
     std::filesystem::remove(copy_, unimportant);
 }
 
@@ -139,29 +131,30 @@ void StoreSafeguard::expectRows() {
         if (const std::string table = insertedInto(statement); !table.empty())
             ++expected_[table];
     for (auto& [table, rows] : expected_)
-        rows += std::max<std::int64_t>(rowsIn(run_.store(), table), 0);
+        rows += rowsIn(run_.store(), table);
 }
 
 bool StoreSafeguard::verify(bool committed) {
     if (file_.empty())
         return true;
-    const auto stamps = storedStamps(run_.store());
-    if (run_.store().Status() == 1)
+    std::string finding;
+    try {
+        const auto stamps = storedStamps(run_.store());
         run_.stampRowExists = stamps.has_value();
-    const std::string finding = run_.store().Status() != 1 ? run_.store().errorText()
-                                : committed                ? whatIsMissing(stamps)
-                                : stamps != stampsBefore_
-                                    ? "part of a transaction that was rolled back is in the store"
-                                    : "";
-    if (finding.empty()) {
         if (committed)
-            forget();
-        else
-            abandon();
-        return true;
+            finding = whatIsMissing(stamps);
+        else if (stamps != stampsBefore_)
+            finding = "part of a transaction that was rolled back is in the store";
+    } catch (const db::Error& failure) {
+        finding = failure.Description();
     }
-    report(finding);
-    return false;
+    if (!finding.empty()) {
+        report(finding);
+        return false;
+    }
+    if (!committed)
+        abandon();
+    return true;
 }
 
 std::string StoreSafeguard::whatIsMissing(const std::optional<Stamps>& stamps) const {
@@ -179,7 +172,7 @@ std::string StoreSafeguard::whatIsMissing(const std::optional<Stamps>& stamps) c
 
 void StoreSafeguard::report(const std::string& finding) {
     const std::optional<Failure> before = std::exchange(run_.failure, std::nullopt);
-    run_.fail(Title, before ? before->statement : "",
+    run_.fail(StoreTitle, before ? before->statement : "",
               db::Error(db::number::Unspecified,
                         "The store did not keep the transaction whole: " + finding +
                             ". The next receive repeats everything." +
@@ -191,7 +184,7 @@ void StoreSafeguard::report(const std::string& finding) {
 void StoreSafeguard::abandon() {
     const bool nothingWritten = run_.DelList.size() <= 1;
     if (ownsNote_ && nothingWritten)
-        forget();
+        release();
     ownsNote_ = false;
 }
 

@@ -1,5 +1,6 @@
 #include "sync/UpdateStamps.h"
 
+#include "db/AsciiText.h"
 #include "sync/Receiver.h"
 
 #include <algorithm>
@@ -51,6 +52,9 @@ std::optional<Stamps> storedStamps(db::VelkDBPro& store) {
     std::int32_t FDROW = 0;
     std::int32_t FDCOL = 0;
     store.GET_DATA(" SELECT UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN FROM UPD ", FD, FDROW, FDCOL);
+    if (store.Status() != 1)
+        throw db::Error(db::number::Unspecified,
+                        "The update stamps cannot be read. " + store.errorText());
     if (FDROW < 1)
         return std::nullopt;
     Stamps stamps;
@@ -58,12 +62,14 @@ std::optional<Stamps> storedStamps(db::VelkDBPro& store) {
     return stamps;
 }
 
-void ReadStamps(Run& run) {
-    const auto stamps = storedStamps(run.store());
-    if (!stamps)
-        return;
-    run.stampRowExists = true;
-    run.stamps = *stamps;
+bool ReadStamps(Run& run) {
+    return guardReceiver(run, StoreTitle, [&](std::size_t& /*handledRows*/) {
+        const auto stamps = storedStamps(run.store());
+        run.stampRowExists = stamps.has_value();
+        run.stamps = stamps.value_or(Stamps());
+        run.menuNeverReceived = db::isBlank(run.stamp(Group::Menu));
+        run.stampsRead = true;
+    });
 }
 
 bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title) {

@@ -12,15 +12,22 @@ namespace quillet::sync {
 /// The update stamps make receiving incremental: per data group the server's time of the last run
 /// that received it, kept in the single row of the store table `UPD`.
 
-/// The columns of `UPD`, in the order of the groups.
+/// In the order of the groups.
 using Stamps = std::array<std::string, Groups>;
 
-/// The store's stamps; none when `UPD` has no row, or cannot be read: ask Status().
+/// The columns of `UPD` that hold them.
+inline constexpr std::array<std::string_view, Groups> StampColumns{"UPD_PR", "UPD_CT", "UPD_USR",
+                                                                   "UPD_BAS", "UPD_FN"};
+
+/// The store's stamps; none when `UPD` has no row.
+/// @throws db::Error when they cannot be read: a failed read is never taken for an empty one.
 std::optional<Stamps> storedStamps(db::VelkDBPro& store);
 
 /// Reads the stamps into the run. A store without a row leaves them empty, and its next stamp
 /// statement is an INSERT.
-void ReadStamps(Run& run);
+/// @return false when they cannot be read: nothing may be received then. The download log and the
+///         run's failure say why.
+[[nodiscard]] bool ReadStamps(Run& run);
 
 /// Appends the statement that stores the server's current time for the ticked groups.
 ///

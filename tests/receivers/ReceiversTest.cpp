@@ -1,6 +1,7 @@
 // Receivers one at a time: server rows from a real database through the real protocol, statements
 // for a real store. The cases are the text files of this folder; README.md says how to read them.
 
+#include "db/AsciiText.h"
 #include "db/Paths.h"
 #include "db/store/EmptyStore.h"
 #include "receivers/ReceiveAccountTitles.h"
@@ -113,6 +114,7 @@ protected:
         db::createEmptyStore(db::textOf(folder_ / "food.MDB"));
         store_.DBOpen("Driver={Microsoft Access Driver (*.mdb)};Dbq=food.MDB;DefaultDir=" +
                       db::textOf(folder_.path()));
+        run_.menuNeverReceived = true;
         run_.headOffice = {headOffice_->address(), "quorin.data", headOffice_->connectionString(),
                            "1000"};
         settings_.SaveSetting("", "", "가맹점", "1000");
@@ -186,6 +188,8 @@ protected:
                 write({"", statement});
         } else if (command == "stamps") {
             run_.stamps.fill(argument);
+            run_.storeSettingsSince = argument;
+            run_.menuNeverReceived = db::isBlank(argument);
         } else if (command == "storecode") {
             settings_.SaveSetting("", "", "가맹점", argument);
             run_.headOffice.storeCode = argument;

@@ -64,7 +64,7 @@ protected:
                        db::textOf(folder_.path()) + ";Database=" + db::textOf(file_));
         ASSERT_EQ(store_->Status(), 1) << store_->errorText();
         run_ = std::make_unique<sync::Run>(*store_, settings_, db::DownloadLog(folder_.path()));
-        ReadStamps(*run_);
+        ASSERT_TRUE(ReadStamps(*run_));
         StoreSafeguard(*run_).recoverStamps();
         run_->newStamp = "2026-01-02";
         run_->statements = {"", "UPDATE UPD SET UPD_PR = '2026-01-02',UPD_CT = '2026-01-02'",
@@ -83,7 +83,11 @@ protected:
         beforeBatch_ = {isThere("food.before-receive.MDB"), isThere("food.before-receive.txt")};
         safeguard.expectRows();
         store_->PUT_DATA(run_->statements, 1, bar, bar, label, label, label, label, {});
-        return safeguard.verify(store_->Status() == 1);
+        const bool committed = store_->Status() == 1;
+        const bool whole = safeguard.verify(committed);
+        if (committed && whole && settingsArrive_)
+            safeguard.release();
+        return whole;
     }
 
     bool isThere(const char* name) const { return std::filesystem::exists(folder_ / name); }
@@ -104,6 +108,7 @@ protected:
     std::unique_ptr<db::VelkDBPro> store_;
     std::unique_ptr<sync::Run> run_;
     std::pair<bool, bool> beforeBatch_;
+    bool settingsArrive_ = true; ///< what comes after the batch
 };
 
 TEST_F(StoreSafeguardTest, NothingStaysOfARunThatIsKnownToBeGood) {
@@ -116,7 +121,7 @@ TEST_F(StoreSafeguardTest, NothingStaysOfARunThatIsKnownToBeGood) {
 
     // The same after an honest roll-back.
     start("");
-    run_->statements.push_back("INSERT INTO NOWHERE VALUES (1)");
+    run_->statements.push_back("INSERT INTO PROP VALUES ('01','twice')");
     EXPECT_TRUE(receive());
     EXPECT_EQ(store_->Status(), 1) << "of the verification";
     EXPECT_FALSE(isThere("food.before-receive.MDB"));
@@ -172,11 +177,27 @@ TEST_F(StoreSafeguardTest, ADiskWithoutRoomForACopyStillRepeatsABrokenRun) {
     EXPECT_THAT(run_->failure->error, Not(HasSubstr("food.before-receive")));
     start("");
     EXPECT_EQ(run_->stamps[0], "2026-01-01");
+}
 
-    // What a power cut may leave of the note.
-    std::ofstream(folder_ / "food.before-receive.txt", std::ios::binary) << std::string(90, '\0');
+TEST_F(StoreSafeguardTest, ADamagedNoteAsksForEverythingAndDeletesNothing) {
+    const auto note = folder_ / "food.before-receive.txt";
+    settingsArrive_ = false;
+    EXPECT_TRUE(receive());
+    ASSERT_TRUE(isThere("food.before-receive.txt")) << "the run has not come to its end";
+    const std::string whole = readFile(note);
     start("");
-    EXPECT_THAT(run_->stamps, testing::Each(""));
+    EXPECT_EQ(run_->stamps[1], "2026-01-01") << "a whole note";
+
+    std::vector<std::string> damaged{std::string(90, '\0'), whole + "x", "\r\n\r\n\r\n\r\n\r\n"};
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        damaged.push_back(whole.substr(0, size));
+    for (const std::string& bytes : damaged) {
+        tests::writeFile(note, bytes);
+        start("");
+        EXPECT_THAT(run_->stamps, testing::Each("")) << bytes;
+        EXPECT_FALSE(run_->menuNeverReceived) << bytes;
+        EXPECT_TRUE(run_->stampRowExists);
+    }
 }
 
 TEST_F(StoreSafeguardTest, AnEngineMayKeepStampsInItsOwnForm) {
