@@ -114,7 +114,8 @@ void setType(OdbcColumn& column, const Description& described, SQLLEN octetLengt
         return asInteger(column, DataType::BigInt, DataType::UnsignedBigInt, described.isUnsigned,
                          8, described.isUnsigned ? 20 : 19);
     case SQL_REAL:
-        return asFixed(column, DataType::Single, 4, 7, SQL_C_FLOAT, sizeof(float));
+        // Not as SQL_C_FLOAT: MariaDB's driver writes those of a block 8 bytes apart (3.1.15).
+        return asFixed(column, DataType::Single, 4, 7, SQL_C_DOUBLE, sizeof(double));
     case SQL_FLOAT:
     case SQL_DOUBLE:
         return asFixed(column, DataType::Double, 8, 15, SQL_C_DOUBLE, sizeof(double));
@@ -224,10 +225,11 @@ Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
         return Value::integer(read<std::int64_t>(cell));
     case SQL_C_UBIGINT:
         return Value::unsignedInteger(read<std::uint64_t>(cell));
-    case SQL_C_FLOAT:
-        return Value::single(read<float>(cell));
-    case SQL_C_DOUBLE:
-        return Value::real(read<double>(cell));
+    case SQL_C_DOUBLE: {
+        const auto number = read<double>(cell);
+        return column.field.Type == DataType::Single ? Value::single(static_cast<float>(number))
+                                                     : Value::real(number);
+    }
     case SQL_C_CHAR:
         return column.field.Type == DataType::Numeric ? decimalOf(cell, room) : Value::text(cell);
     case SQL_C_TYPE_DATE: {

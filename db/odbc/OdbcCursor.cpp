@@ -108,6 +108,7 @@ bool OdbcCursor::next() {
     } else {
         row_ = 0;
         fetched_ = 0;
+        resetIndicators();
         atEnd_ = statement_.check(SQLFetch(statement_.get())) == SQL_NO_DATA;
         if (atEnd_)
             return false;
@@ -118,6 +119,17 @@ bool OdbcCursor::next() {
         if (!buffers_[column].bound)
             readCell(column);
     return true;
+}
+
+/// Leaves no indicator of the block before: MariaDB's driver (3.1.15) writes one for a BIT only
+/// where it is Null. A text or bytes without an indicator have no length that could be right.
+void OdbcCursor::resetIndicators() {
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+        Buffer& buffer = buffers_[column];
+        if (buffer.bound)
+            std::fill(buffer.indicators.begin(), buffer.indicators.end(),
+                      isVariable(columns_[column].cType) ? SQL_NO_TOTAL : 0);
+    }
 }
 
 void OdbcCursor::checkRow() {

@@ -44,6 +44,7 @@ private:
     std::size_t rowsOfBlock(SQLHDBC connection);
     void bindRows(std::size_t rows);
     void bindColumn(std::size_t column, std::size_t rows);
+    void resetIndicators();
     void checkRow();
     void checkCell(std::size_t column);
     void readCell(std::size_t column);

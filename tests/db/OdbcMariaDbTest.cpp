@@ -113,6 +113,61 @@ TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
     }
 }
 
+TEST_F(OdbcMariaDbTest, ReadsBlocksOfEveryBoundTypeAsTheServerPrintsThem) {
+    struct BlockCase {
+        const char* declaration;
+        const char* value; ///< of row N, which is not Null
+        const char* text = "CONCAT(C)";
+    };
+    const std::vector<BlockCase> cases = {
+        {"TINYINT", "N % 256 - 128"},
+        {"TINYINT UNSIGNED", "N % 256"},
+        {"SMALLINT", "N * 93 - 32768"},
+        {"SMALLINT UNSIGNED", "N * 93"},
+        {"MEDIUMINT", "N * 9001 - 4000000"},
+        {"INT", "N * 6000001 - 2147483648"},
+        {"INT UNSIGNED", "N * 6000001"},
+        {"BIGINT", "N * 13000000000000001 - 4500000000000000000"},
+        {"BIGINT UNSIGNED", "26000000000000001 * CAST(N AS UNSIGNED)"},
+        {"YEAR", "1901 + N % 250"},
+        {"DECIMAL(12,3)", "(N - 350) * 1001 + 0.125"},
+        {"FLOAT", "ELT(1 + N % 5, 0.5, 1.25, -1234.5, 7, N / 10)"},
+        {"FLOAT(9,2)", "N + 0.25"},
+        // More digits than the server prints of a FLOAT.
+        {"FLOAT", "16777216 - N", "CONCAT(CAST(C AS DOUBLE))"},
+        {"DOUBLE", "(N - 350) / 8"},
+        {"BIT(1)", "N % 3 = 0", "ELT(C + 1, 'False', 'True')"},
+        {"BIT(8)", "65 + N % 26", "CHAR(C + 0)"},
+        {"DATE", "DATE '1999-12-31' + INTERVAL N DAY"},
+        {"TIME", "SEC_TO_TIME(N * 123)"},
+        {"DATETIME", "TIMESTAMP '1999-12-31 23:59:58' + INTERVAL N * 12345 SECOND"},
+        {"TIMESTAMP NULL", "TIMESTAMP '1999-12-31 23:59:58' + INTERVAL N * 12345 SECOND"},
+        {"CHAR(10)", "CONCAT('한', N)"},
+        {"VARCHAR(20)", "REPEAT('동😀', N % 8)"},
+        {"ENUM('a','나')", "1 + N % 2"},
+        {"BINARY(4)", "LPAD(N, 4, '0')"},
+        {"VARBINARY(9)", "REPEAT('x', N % 9)"},
+    };
+    for (const BlockCase& c : cases) {
+        SCOPED_TRACE(std::string(c.declaration) + ": " + c.value);
+        create(std::string("N INT PRIMARY KEY, C ") + c.declaration);
+        // 700 rows are more than two full blocks. The Nulls change places from block to block.
+        connection_.Execute("INSERT INTO engine_test WITH RECURSIVE S AS (SELECT 1 N UNION ALL "
+                            "SELECT N + 1 FROM S WHERE N < 700) SELECT N, IF(N % 7 < 2, NULL, " +
+                            std::string(c.value) + ") FROM S");
+        Recordset rows, texts;
+        rows.Open("SELECT C FROM engine_test ORDER BY N", connection_);
+        texts.Open("SELECT " + std::string(c.text) + " FROM engine_test ORDER BY N", connection_);
+        int n = 1;
+        for (; !rows.Eof(); ++n, rows.MoveNext(), texts.MoveNext()) {
+            const bool null = n % 7 < 2;
+            ASSERT_EQ(rows.Item(0).isNull(), null) << n;
+            ASSERT_EQ(rows.Item(0).toText(), texts.Item(0).toText()) << n;
+        }
+        EXPECT_EQ(n, 701);
+    }
+}
+
 TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
     // '동' is U+B3D9; U+D9 in a unit's low byte makes the driver report too little.
     const auto times = [](const char* text, int count) {
