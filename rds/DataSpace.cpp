@@ -35,7 +35,7 @@ RemoteObject DataSpace::CreateObject(const std::string& progId,
     }
     if (server.empty() || !fitsRequestLine(progId))
         throw db::Error(db::number::CannotCreateObject, "ActiveX component can't create object");
-    return RemoteObject(progId, std::string(server), HttpClient(timeouts_, whileWaiting_));
+    return RemoteObject(progId, std::string(server), HttpClient(limits_, whileWaiting_));
 }
 
 } // namespace quillet::rds

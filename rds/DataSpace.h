@@ -11,10 +11,10 @@ namespace quillet::rds {
 /// The portable stand-in for the `RDS.DataSpace` object: makes proxies of server-side objects.
 class DataSpace {
 public:
-    /// @param whileWaiting see HttpClient; for the calls of every proxy.
-    explicit DataSpace(HttpClient::Timeouts timeouts = {},
+    /// @param limits, whileWaiting see HttpClient; for the calls of every proxy.
+    explicit DataSpace(HttpClient::Limits limits = {},
                        HttpClient::WhileWaiting whileWaiting = nullptr)
-        : timeouts_(timeouts), whileWaiting_(std::move(whileWaiting)) {}
+        : limits_(limits), whileWaiting_(std::move(whileWaiting)) {}
 
     /// Makes a proxy; the server is not asked before the first call.
     /// @param progId of the server-side object.
@@ -24,7 +24,7 @@ public:
     RemoteObject CreateObject(const std::string& progId, const std::string& connection) const;
 
 private:
-    HttpClient::Timeouts timeouts_;
+    HttpClient::Limits limits_;
     HttpClient::WhileWaiting whileWaiting_;
 };
 

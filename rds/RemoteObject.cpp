@@ -90,8 +90,8 @@ bool RemoteObject::PUTSQL(std::vector<std::string>& statements, std::string& err
 
 Reply RemoteObject::invoke(const std::string& method, std::vector<Variant> arguments) {
     Call call{progId_, method, std::move(arguments), newBoundary()};
-    const std::string body = client_.post(server_, callPath(call), encodeCall(call));
-    return decodeReply(body, call.arguments.size());
+    const HttpAnswer answer = client_.post(server_, callPath(call), encodeCall(call));
+    return decodeReply(answer.body, call.arguments.size());
 }
 
 } // namespace quillet::rds

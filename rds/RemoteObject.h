@@ -15,9 +15,10 @@ namespace quillet::rds {
 ///
 /// By-reference arguments take the value that the server returns and keep their own where it
 /// returns none; a call that fails changes nothing.
-/// @throws db::Error from every call: 462 when the server cannot be reached or its answer is cut
-///         short, the server's own number and description when the call failed there, 13 for a
-///         result of another type.
+/// @throws db::Error from every call: 462 when the server cannot be reached, is too slow, or its
+///         answer is cut short or too large, `number::Canceled` when the caller has ended the call,
+///         the server's own number and description when the call failed there, 13 for a result of
+///         another type.
 class RemoteObject {
 public:
     RemoteObject(std::string progId, std::string server, HttpClient client);

@@ -3,11 +3,23 @@
 #include "rds/RemoteObject.h"
 #include "sync/LeadingNumber.h"
 
+#include <chrono>
+
 namespace quillet::sync {
 
 namespace {
 
 constexpr const char* CommandObjectName = "quorin.demon";
+
+/// A server writes a command at once or not at all.
+constexpr std::chrono::seconds CommandQuietTime{30};
+
+rds::DataSpace dataSpaceOf(Run& run, const rds::HttpClient::Limits& limits) {
+    return rds::DataSpace(limits, [&run] {
+        run.yield();
+        return true;
+    });
+}
 
 } // namespace
 
@@ -18,7 +30,7 @@ Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, 
 
 rds::RemoteObject Run::createObject(const std::string& progId) {
     if (!DataSpace)
-        DataSpace.emplace(rds::HttpClient::Timeouts{}, [this] { yield(); });
+        DataSpace.emplace(dataSpaceOf(*this, {}));
     return DataSpace->CreateObject(progId, "http://" + headOffice.serverAddress);
 }
 
@@ -34,7 +46,11 @@ db::Recordset Run::queryServer(std::string ServerSql) {
 }
 
 bool Run::executeOnServer(db::StatementArray serverStatements) {
-    rds::RemoteObject CommandObj = createObject(CommandObjectName);
+    rds::HttpClient::Limits limits;
+    limits.quiet = CommandQuietTime;
+    rds::RemoteObject CommandObj =
+        dataSpaceOf(*this, limits)
+            .CreateObject(CommandObjectName, "http://" + headOffice.serverAddress);
     std::string errorText;
     std::string connectionString = headOffice.connectionString;
     return CommandObj.PUTSQL(serverStatements, errorText, connectionString);

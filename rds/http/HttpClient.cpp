@@ -7,6 +7,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -28,7 +29,6 @@ using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
 using Endpoints = std::vector<tcp::endpoint>;
 
-constexpr std::uint64_t MaxReplyBody = std::uint64_t{1} << 30U;
 constexpr int MaxInterimReplies = 32;
 
 struct ServerAddress {
@@ -75,6 +75,10 @@ std::optional<ServerAddress> addressOf(std::string_view server) {
     return address;
 }
 
+[[noreturn]] void throwEnded() {
+    throw db::Error(db::number::Canceled, "The call was ended.");
+}
+
 /// All addresses of a host. The system's look-up cannot be interrupted: one that takes too long
 /// is left to end on its own.
 std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::duration timeout,
@@ -98,29 +102,29 @@ std::pair<error_code, Endpoints> lookUp(const ServerAddress& server, Clock::dura
         }
     }).detach();
     const auto deadline = Clock::now() + timeout;
-    while (found.wait_for(TimedStream::Patience) != std::future_status::ready) {
+    do {
         if (Clock::now() >= deadline)
             return {beast::error::timeout, {}};
-        if (whileWaiting)
-            whileWaiting();
-    }
+        if (whileWaiting && !whileWaiting())
+            throwEnded();
+    } while (found.wait_for(TimedStream::Patience) != std::future_status::ready);
     return found.get();
 }
 
 /// One request and its reply over a connection of its own.
 class Exchange {
 public:
-    Exchange(std::string server, HttpClient::Timeouts timeouts,
+    Exchange(std::string server, HttpClient::Limits limits,
              const HttpClient::WhileWaiting& whileWaiting)
-        : server_(std::move(server)), timeouts_(timeouts), whileWaiting_(whileWaiting),
+        : server_(std::move(server)), limits_(limits), whileWaiting_(whileWaiting),
           stream_(whileWaiting) {}
 
     void connect() {
         const auto address = addressOf(server_);
         if (!address)
             fail("not a server address");
-        const auto deadline = Clock::now() + timeouts_.connect;
-        auto [error, endpoints] = lookUp(*address, timeouts_.connect, whileWaiting_);
+        const auto deadline = Clock::now() + limits_.connect;
+        auto [error, endpoints] = lookUp(*address, limits_.connect, whileWaiting_);
         if (!error && endpoints.empty())
             error = asio::error::host_not_found;
         // A dead address must not use up the time of those behind it.
@@ -130,12 +134,11 @@ public:
             error = stream_.wait(share, [&](auto handler) {
                 stream_.stream().async_connect(endpoint, std::move(handler));
             });
-            if (!error)
+            if (!error || stream_.isEnded())
                 break;
             stream_.stream().close();
         }
-        if (error)
-            fail(reasonOf(error));
+        require(error);
         stream_.stream().socket().set_option(tcp::no_delay(true), error);
     }
 
@@ -143,31 +146,29 @@ public:
     /// failed send means is left to receive().
     void send(const std::string& head, const std::string& body) {
         const std::array<asio::const_buffer, 2> bytes{asio::buffer(head), asio::buffer(body)};
-        const error_code error = stream_.wait(timeouts_.read, [&](auto handler) {
+        Pace pace(Clock::now() + limits_.rateWindow, limits_.leastBytesPerWindow,
+                  limits_.rateWindow);
+        const error_code error = stream_.wait(pace, [&](auto handler) {
             asio::async_write(stream_.stream(), bytes, std::move(handler));
         });
-        if (error == beast::error::timeout)
-            fail(reasonOf(error));
+        if (error == beast::error::timeout || stream_.isEnded())
+            require(error);
     }
 
-    std::string receive() {
+    HttpAnswer receive(const HttpClient::BodyCheck& check) {
+        const auto firstByte = Clock::now() + limits_.quiet;
         for (int replies = 0; replies <= MaxInterimReplies; ++replies) {
+            Pace pace(firstByte, limits_.leastBytesPerWindow, limits_.rateWindow);
             TimedStream::Parser<false> parser;
-            parser.body_limit(MaxReplyBody);
-            error_code error = stream_.readHead(parser, timeouts_.read);
-            if (error)
-                fail(reasonOf(error));
+            parser.body_limit(limits_.largestBody);
+            require(stream_.readHead(parser, pace));
             const unsigned status = parser.get().result_int();
             if (status >= 100 && status < 200 && status != 101)
                 continue;
             if (status != 200)
                 fail("HTTP status " + std::to_string(status) + ' ' +
                      printable(parser.get().reason()));
-            std::string body;
-            error = stream_.readBody(parser, body, timeouts_.read);
-            if (error)
-                fail(reasonOf(error));
-            return body;
+            return receiveBody(parser, pace, check);
         }
         fail("no final reply");
     }
@@ -179,6 +180,35 @@ public:
     }
 
 private:
+    HttpAnswer receiveBody(TimedStream::Parser<false>& parser, Pace& pace,
+                           const HttpClient::BodyCheck& check) {
+        HttpAnswer answer{std::string(parser.get()[beast::http::field::content_type]), {}};
+        bool checked = !check;
+        while (!parser.is_done()) {
+            makeRoom(answer.body);
+            const error_code error = stream_.readPiece(parser, pace, answer.body);
+            if (!checked && !stream_.isEnded())
+                checked = check(answer);
+            require(error);
+        }
+        return answer;
+    }
+
+    /// Doubles a body's memory, but not beyond the limit: while it grows, it is there twice.
+    void makeRoom(std::string& body) const {
+        if (body.capacity() - body.size() < TimedStream::PieceSize &&
+            body.capacity() < limits_.largestBody)
+            body.reserve(std::min(std::max(2 * body.capacity(), TimedStream::PieceSize),
+                                  limits_.largestBody));
+    }
+
+    void require(error_code error) const {
+        if (stream_.isEnded())
+            throwEnded();
+        if (error)
+            fail(reasonOf(error));
+    }
+
     template <typename Text>
     static std::string printable(const Text& text) {
         std::string result(text.data(), text.size());
@@ -190,20 +220,20 @@ private:
     }
 
     std::string server_;
-    HttpClient::Timeouts timeouts_;
+    HttpClient::Limits limits_;
     const HttpClient::WhileWaiting& whileWaiting_;
     TimedStream stream_;
 };
 
 } // namespace
 
-std::string HttpClient::post(const std::string& server, const std::string& path,
-                             const std::string& body) {
+HttpAnswer HttpClient::post(const std::string& server, const std::string& path,
+                            const std::string& body, const BodyCheck& check) {
     try {
-        Exchange exchange(server, timeouts_, whileWaiting_);
+        Exchange exchange(server, limits_, whileWaiting_);
         exchange.connect();
         exchange.send(requestHead(server, path, body.size()), body);
-        return exchange.receive();
+        return exchange.receive(check);
     } catch (const db::Error&) {
         throw;
     } catch (const std::exception& error) {

@@ -159,7 +159,8 @@ private:
     bool readRequest(HttpRequest& request) {
         TimedStream::Parser<true> parser;
         parser.body_limit(options_.maxBody);
-        error_code error = stream_.readHead(parser, options_.patience);
+        Pace head(options_.patience);
+        error_code error = stream_.readHead(parser, head);
         if (error)
             return refuseUnread(error);
         const auto method = parser.get().method();
@@ -171,9 +172,12 @@ private:
         }
         if (beast::iequals(parser.get()[http::field::expect], "100-continue"))
             send("HTTP/1.1 100 Continue\r\n\r\n", "");
-        error = stream_.readBody(parser, request.body, options_.patience);
-        if (error)
-            return refuseUnread(error);
+        while (!parser.is_done()) {
+            Pace piece(options_.patience);
+            error = stream_.readPiece(parser, piece, request.body);
+            if (error)
+                return refuseUnread(error);
+        }
 
         auto message = parser.release();
         request.method = std::string(message.method_string());

@@ -135,14 +135,14 @@ TEST_F(HeadOfficeTest, TakesAnyArrayOfStatements) {
                    {array, rds::Empty{}, rds::Variant::string(connection_)},
                    rds::newBoundary()};
     const std::string body =
-        rds::HttpClient().post(office_->address(), rds::callPath(call), rds::encodeCall(call));
+        rds::HttpClient().post(office_->address(), rds::callPath(call), rds::encodeCall(call)).body;
     EXPECT_EQ(rds::decodeReply(body, 3).result, rds::Variant(true));
     EXPECT_EQ(count("KIND"), "2");
 
     array.isNull = true;
     call.arguments[0] = array;
     const std::string refusal =
-        rds::HttpClient().post(office_->address(), rds::callPath(call), rds::encodeCall(call));
+        rds::HttpClient().post(office_->address(), rds::callPath(call), rds::encodeCall(call)).body;
     EXPECT_EQ(tests::errorOf([&] { rds::decodeReply(refusal, 3); }).Number(), 13)
         << "nothing was handed over, so nothing has succeeded";
 }

@@ -158,7 +158,9 @@ TEST_F(CallServerTest, FailedCallsCarryTheirNumber) {
     const auto errorOf = [&](rds::Call call) {
         call.boundary = rds::newBoundary();
         const std::string reply =
-            rds::HttpClient().post(server_.address(), rds::callPath(call), rds::encodeCall(call));
+            rds::HttpClient()
+                .post(server_.address(), rds::callPath(call), rds::encodeCall(call))
+                .body;
         const auto decode = [&] { rds::decodeReply(reply, call.arguments.size()); };
         return static_cast<std::uint32_t>(tests::errorOf(decode).Number());
     };

@@ -5,9 +5,11 @@
 #include "tests/support/Errors.h"
 #include "tests/support/ScriptedServer.h"
 
+#include <boost/asio/buffer.hpp>
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -25,14 +27,31 @@ using ::testing::HasSubstr;
 constexpr const char* Path = "/msadc/msadcs.dll/some.object.Getsql";
 
 rds::HttpClient impatientClient() {
-    return rds::HttpClient({2s, 2s});
+    return rds::HttpClient({.connect = 2s, .quiet = 2s});
 }
 
 /// The description of the error 462 that a call must end with.
-std::string failureOf(const std::string& server) {
-    const db::Error error = tests::errorOf([&] { impatientClient().post(server, Path, "body"); });
+std::string failureOf(const std::string& server, rds::HttpClient client = impatientClient(),
+                      const std::string& body = "body") {
+    const db::Error error = tests::errorOf([&] { client.post(server, Path, body); });
     EXPECT_EQ(error.Number(), 462);
     return error.Description();
+}
+
+std::chrono::milliseconds timeOf(const std::function<void()>& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                                 start);
+}
+
+/// Sends pieces, some time apart, until the client goes away.
+void trickle(tests::tcp::socket& socket, std::size_t bytes, std::chrono::milliseconds pause) {
+    boost::system::error_code error;
+    while (!error) {
+        boost::asio::write(socket, boost::asio::buffer(std::string(bytes, 'x')), error);
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 TEST(HttpClient, SendsThePublishedHeads) {
@@ -56,7 +75,7 @@ TEST(HttpClient, ReadsEveryFormOfReply) {
     for (std::size_t i = 0; i < large.size(); ++i)
         large[i] = static_cast<char>(i * 31 + i / 4096);
     ScriptedServer largeServer("body", "HTTP/1.1 200 OK\r\n\r\n" + large);
-    EXPECT_TRUE(rds::HttpClient().post(largeServer.address(), Path, "body") == large);
+    EXPECT_TRUE(rds::HttpClient().post(largeServer.address(), Path, "body").body == large);
 
     const std::vector<std::pair<std::string, std::string>> replies{
         {"length", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello"},
@@ -70,7 +89,7 @@ TEST(HttpClient, ReadsEveryFormOfReply) {
     for (const auto& [form, reply] : replies) {
         SCOPED_TRACE(form);
         ScriptedServer atOnce("body", reply);
-        EXPECT_EQ(impatientClient().post(atOnce.address(), Path, "body"), "hello");
+        EXPECT_EQ(impatientClient().post(atOnce.address(), Path, "body").body, "hello");
         ScriptedServer byteByByte([&reply = reply](tests::tcp::socket& socket) {
             tests::receiveUntil(socket, "body");
             socket.set_option(tests::tcp::no_delay(true));
@@ -79,7 +98,7 @@ TEST(HttpClient, ReadsEveryFormOfReply) {
                 std::this_thread::sleep_for(1ms);
             }
         });
-        EXPECT_EQ(impatientClient().post(byteByByte.address(), Path, "body"), "hello");
+        EXPECT_EQ(impatientClient().post(byteByByte.address(), Path, "body").body, "hello");
     }
 }
 
@@ -153,27 +172,167 @@ TEST(HttpClient, NamesWhatKeepsItFromTheServer) {
 
     // Every address of a name is tried: "localhost" may be ::1 first.
     ScriptedServer named("body", "HTTP/1.1 200 OK\r\n\r\nhello");
-    EXPECT_EQ(impatientClient().post("localhost:" + named.port(), Path, "body"), "hello");
+    EXPECT_EQ(impatientClient().post("localhost:" + named.port(), Path, "body").body, "hello");
 }
 
-TEST(HttpClient, WaitsForBytesNotForTheWhole) {
-    ScriptedServer silent([](tests::tcp::socket& socket) {
-        sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\nhel");
-        tests::receiveRaw(socket);
-    });
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_THAT(failureOf(silent.address()), HasSubstr("no answer in time"));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s);
+TEST(HttpClient, GivesAServerTimeThatHasAnEnd) {
+    constexpr const char* Head = "HTTP/1.1 200 OK\r\n\r\n";
+    const rds::HttpClient client({.connect = 2s,
+                                  .quiet = 600ms,
+                                  .rateWindow = 400ms,
+                                  .leastBytesPerWindow = 2000,
+                                  .largestBody = 3'000'000});
+    using Script = std::function<void(tests::tcp::socket&)>;
+    struct Case {
+        const char* name;
+        Script script; ///< behind the request
+        std::chrono::milliseconds least;
+        const char* reason;
+    };
+    const auto silent = [](tests::tcp::socket& socket) { tests::receiveRaw(socket); };
+    const std::vector<Case> cases{
+        {"silent", silent, 600ms, "no answer in time"},
+        {"silent behind 100 Continue",
+         [&](tests::tcp::socket& socket) {
+             std::this_thread::sleep_for(300ms);
+             sendRaw(socket, "HTTP/1.1 100 Continue\r\n\r\n");
+             silent(socket);
+         },
+         600ms, "no answer in time"},
+        {"slow head",
+         [](tests::tcp::socket& socket) {
+             sendRaw(socket, "HTTP/1.1 200 OK\r\nA: ");
+             trickle(socket, 10, 20ms);
+         },
+         400ms, "no answer in time"},
+        {"slow body",
+         [&](tests::tcp::socket& socket) {
+             sendRaw(socket, Head);
+             trickle(socket, 10, 20ms);
+         },
+         400ms, "no answer in time"},
+        {"slow chunk",
+         [](tests::tcp::socket& socket) {
+             sendRaw(socket, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5;");
+             trickle(socket, 10, 20ms);
+         },
+         400ms, "no answer in time"},
+        {"slow after a large piece", // of which no credit is left
+         [&](tests::tcp::socket& socket) {
+             sendRaw(socket, Head + std::string(1'000'000, 'x'));
+             trickle(socket, 10, 20ms);
+         },
+         400ms, "no answer in time"},
+        {"endless",
+         [&](tests::tcp::socket& socket) {
+             sendRaw(socket, Head);
+             trickle(socket, 100'000, 0ms);
+         },
+         0ms, "too large"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedServer server([&](tests::tcp::socket& socket) {
+            tests::receiveUntil(socket, "body");
+            c.script(socket);
+        });
+        const auto time =
+            timeOf([&] { EXPECT_THAT(failureOf(server.address(), client), HasSubstr(c.reason)); });
+        EXPECT_GE(time, c.least);
+        EXPECT_LT(time, c.least + 4s);
+    }
 
-    ScriptedServer slow([](tests::tcp::socket& socket) {
+    ScriptedServer deaf([](tests::tcp::socket&) { std::this_thread::sleep_for(2s); });
+    EXPECT_THAT(failureOf(deaf.address(), client, std::string(50'000'000, 'x')),
+                HasSubstr("no answer in time"));
+
+    ScriptedServer fast([&](tests::tcp::socket& socket) { // for longer than the window
         tests::receiveUntil(socket, "body");
-        sendRaw(socket, "HTTP/1.1 200 OK\r\n\r\n");
-        for (int i = 0; i < 5; ++i) {
-            std::this_thread::sleep_for(500ms);
-            sendRaw(socket, "x");
+        sendRaw(socket, Head);
+        for (int i = 0; i < 25; ++i) {
+            sendRaw(socket, std::string(1000, 'x'));
+            std::this_thread::sleep_for(100ms);
         }
     });
-    EXPECT_EQ(impatientClient().post(slow.address(), Path, "body"), "xxxxx");
+    rds::HttpClient patient(
+        {.connect = 2s, .quiet = 2s, .rateWindow = 1s, .leastBytesPerWindow = 2000});
+    EXPECT_EQ(patient.post(fast.address(), Path, "body").body.size(), 25'000U);
+}
+
+TEST(HttpClient, EndsACallAtOnceWhenItsCallerSaysSo) {
+    const std::string large(50'000'000, 'x');
+    struct Case {
+        const char* name;
+        std::string host;
+        std::string reply;
+        const std::string& body;
+        int questions; ///< after which the answer is no
+    };
+    const std::string small = "body";
+    const std::string head = "HTTP/1.1 200 OK\r\n\r\n";
+    const std::vector<Case> cases{
+        {"looking the name up", "no-such-host.invalid:", "", small, 0},
+        {"connecting", "127.0.0.1:", "", small, 0},
+        {"sending", "127.0.0.1:", "", large, 5},
+        {"waiting", "127.0.0.1:", "", small, 5},
+        {"receiving little", "127.0.0.1:", head + 'x', small, 5},
+        {"receiving much", "127.0.0.1:", head + std::string(100'000'000, 'x'), small, 20}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedServer server([&](tests::tcp::socket& socket) {
+            if (&c.body == &small) {
+                tests::receiveUntil(socket, "body");
+                sendRaw(socket, c.reply);
+                tests::receiveRaw(socket); // until the client closes
+            } else {
+                std::this_thread::sleep_for(1s);
+            }
+        });
+        int left = c.questions;
+        rds::HttpClient client({}, [&left] { return left-- > 0; });
+        db::Error error(0, "");
+        const auto time = timeOf([&] {
+            error = tests::errorOf([&] { client.post(c.host + server.port(), Path, c.body); });
+        });
+        EXPECT_EQ(error.Number(), db::number::Canceled);
+        EXPECT_EQ(error.Description(), "The call was ended.");
+        EXPECT_LT(time, 1s);
+        EXPECT_EQ(left, -1) << "asked again after the end";
+    }
+}
+
+TEST(HttpClient, TimeThatItsCallerTakesIsNotTheServers) {
+    ScriptedServer server([](tests::tcp::socket& socket) {
+        tests::receiveUntil(socket, "body");
+        for (const char* piece : {"HTTP/1.1 200 OK\r\n\r\nhel", "lo"}) {
+            std::this_thread::sleep_for(60ms);
+            sendRaw(socket, piece);
+        }
+    });
+    rds::HttpClient client({.connect = 2s, .quiet = 200ms, .rateWindow = 200ms}, [] {
+        std::this_thread::sleep_for(400ms);
+        return true;
+    });
+    EXPECT_EQ(client.post(server.address(), Path, "body").body, "hello");
+}
+
+TEST(HttpClient, LetsItsCallerRefuseAReplyByItsBeginning) {
+    ScriptedServer server([](tests::tcp::socket& socket) {
+        tests::receiveUntil(socket, "body");
+        sendRaw(socket, "HTTP/1.1 200 OK\r\nContent-Type: text/odd\r\n\r\n1");
+        std::this_thread::sleep_for(50ms);
+        trickle(socket, 100'000, 0ms);
+    });
+    std::vector<std::string> seen;
+    const auto check = [&seen](const rds::HttpAnswer& soFar) {
+        seen.push_back(soFar.contentType + ' ' + soFar.body.substr(0, 2));
+        if (soFar.body.size() > 1)
+            throw db::Error(5, "odd");
+        return false;
+    };
+    EXPECT_EQ(
+        tests::errorTextOf([&] { impatientClient().post(server.address(), Path, "body", check); }),
+        "5 odd");
+    EXPECT_THAT(seen, ::testing::ElementsAre("text/odd 1", "text/odd 1x"));
 }
 
 } // namespace

@@ -37,7 +37,7 @@ void echo(const rds::HttpRequest& request, rds::HttpReply& reply) {
 /// The reply's body, or the error.
 std::string post(const std::string& server, const std::string& path = "/") {
     try {
-        return rds::HttpClient({2s, 5s}).post(server, path, "body");
+        return rds::HttpClient({.connect = 2s, .quiet = 5s}).post(server, path, "body").body;
     } catch (const db::Error& error) {
         return std::to_string(error.Number()) + ' ' + error.Description();
     }
