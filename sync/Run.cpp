@@ -17,7 +17,7 @@ constexpr std::chrono::seconds CommandQuietTime{30};
 rds::DataSpace dataSpaceOf(Run& run, const rds::HttpClient::Limits& limits) {
     return rds::DataSpace(limits, [&run] {
         run.yield();
-        return true;
+        return !run.isEnding();
     });
 }
 
