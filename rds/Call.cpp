@@ -105,11 +105,11 @@ std::string encodeCall(const Call& call) {
     return out.take();
 }
 
-Call decodeCall(std::string_view path, std::string_view body) {
+Call decodeCall(std::string_view path, std::string_view body, std::string_view contentType) {
     Call call;
     splitPath(path, call);
     try {
-        Message message = readMessage(body);
+        Message message = readMessage(body, contentType);
         if (message.values.size() != message.argumentCount)
             throw badReply("it has " + std::to_string(message.values.size()) +
                            " arguments instead of " + std::to_string(message.argumentCount));
@@ -122,10 +122,11 @@ Call decodeCall(std::string_view path, std::string_view body) {
     return call;
 }
 
-Reply decodeReply(std::string_view body, std::size_t arguments) {
+Reply decodeReply(std::string_view body, std::size_t arguments, std::string_view contentType) {
+    startsAsMessage(body, contentType); // says what it is if not
     if (isCallError(body))
         throw failureOf(readCallError(body));
-    Message message = readMessage(body);
+    Message message = readMessage(body, contentType);
     if (message.argumentCount != arguments)
         throw badReply("it is for " + std::to_string(message.argumentCount) +
                        " arguments instead of " + std::to_string(arguments));

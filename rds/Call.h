@@ -42,16 +42,18 @@ std::string newBoundary();
 std::string encodeCall(const Call& call);
 
 /// Reads a request.
-/// @param path of the request line; @param body the HTTP body.
+/// @param path of the request line; @param body the HTTP body; @param contentType of the HTTP
+///        head, where some clients put the headline.
 /// @throws CallError E_INVALIDARG when it is malformed.
-Call decodeCall(std::string_view path, std::string_view body);
+Call decodeCall(std::string_view path, std::string_view body, std::string_view contentType = {});
 
 /// Reads the HTTP body of a reply. Nothing is guessed: a body that is cut, has a wrong length or
 /// count, or does not end with its closing delimiter is an error. Bytes behind that are ignored.
 /// @param arguments how many the call had.
+/// @param contentType of the HTTP head, where a server may put the headline.
 /// @throws db::Error with the server's own number and description for a failed call, or
 ///         `number::Unspecified` for a reply that cannot be read.
-Reply decodeReply(std::string_view body, std::size_t arguments);
+Reply decodeReply(std::string_view body, std::size_t arguments, std::string_view contentType = {});
 
 /// Writes everything of a reply up to its result: headline and the arguments' parts, in the
 /// grouping of the protocol.

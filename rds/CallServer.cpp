@@ -2,7 +2,6 @@
 
 #include "db/AsciiText.h"
 #include "db/Error.h"
-#include "rds/MessageFormat.h"
 
 #include <cstdint>
 #include <exception>
@@ -22,20 +21,6 @@ ScodeError failure(std::uint32_t scode, long number, std::string source, std::st
     error.source.text = std::move(source);
     error.description.text = std::move(description);
     return error;
-}
-
-/// The whole message of a client that has put its first lines into the HTTP head; empty for one
-/// that has them in the body, where they belong.
-std::string messageAcrossHeadAndBody(const HttpRequest& request) {
-    std::string_view parts = request.body;
-    if (parts.starts_with(format::LineEnd))
-        parts.remove_prefix(format::LineEnd.size());
-    if (!parts.starts_with(format::Delimiter))
-        return {};
-    std::string message(format::ContentType);
-    message += request.header("Content-Type");
-    message.append(format::LineEnd).append(format::LineEnd).append(parts);
-    return message;
 }
 
 /// Passes a body on in large pieces, the first one as late as possible.
@@ -176,8 +161,7 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
     HeldBackBody body(reply, record.bytes);
     ScodeError error;
     try {
-        const std::string across = messageAcrossHeadAndBody(request);
-        Call call = decodeCall(request.target, across.empty() ? request.body : across);
+        Call call = decodeCall(request.target, request.body, request.header("Content-Type"));
         record.target = call.progId + '.' + call.method;
         const ServerObject::Method& method = find(call);
         ReplyWriter writer(body, call, options_.returnArguments ? &method.byReference : nullptr,

@@ -51,9 +51,9 @@ bool isBoundary(std::string_view text) noexcept {
            std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c <= '~'; });
 }
 
-void readHeadline(ByteReader& in, Message& message) {
-    std::string_view line = readLine(in);
-    if (!takePrefix(line, format::ContentType) || !takePrefix(line, format::Multipart))
+/// @param line without the header's name.
+void readHeadline(std::string_view line, Message& message) {
+    if (!takePrefix(line, format::Multipart))
         throw badReply("it does not start as one");
     const std::size_t boundarySize = line.rfind(format::ArgumentCount);
     if (boundarySize == std::string_view::npos || !isBoundary(line.substr(0, boundarySize)))
@@ -61,6 +61,34 @@ void readHeadline(ByteReader& in, Message& message) {
     message.boundary = line.substr(0, boundarySize);
     message.argumentCount =
         parseNumber(line.substr(boundarySize + format::ArgumentCount.size()), format::MaxArguments);
+}
+
+/// Whether a body starts with its first part: a client or server that takes the first lines of a
+/// message for HTTP headers has put them there.
+bool startsWithPart(std::string_view body) noexcept {
+    if (body.starts_with(format::LineEnd))
+        body.remove_prefix(format::LineEnd.size());
+    return body.starts_with(format::Delimiter);
+}
+
+/// What a body is that is no message, in words that end a sentence.
+std::string describeForeign(std::string_view start) {
+    constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+    constexpr std::string_view Blanks = " \t\r\n";
+    constexpr std::size_t Longest = 60;
+    if (start.starts_with('\x1F')) // of gzip
+        return "compressed data";
+    if (start.starts_with(ByteOrderMark))
+        start.remove_prefix(ByteOrderMark.size());
+    start = db::trimmed(start, Blanks);
+    if (start.starts_with('<'))
+        return "a web page";
+    std::string text;
+    for (std::size_t i = 0; i < start.size() && text.size() < Longest; ++i) {
+        if (start[i] >= ' ' && start[i] <= '~')
+            text += start[i];
+    }
+    return text.empty() ? "unknown data" : '"' + text + '"';
 }
 
 /// Reads the lines of a part up to the blank one.
@@ -106,19 +134,50 @@ ScodeError readCallError(std::string_view body) {
     return *error;
 }
 
-Message readMessage(std::string_view body) {
+bool startsAsMessage(std::string_view start, std::string_view contentType) {
+    static const std::string headline =
+        std::string(format::ContentType) + std::string(format::Multipart);
+    static const std::string callError =
+        std::string(format::ContentType) + std::string(format::Values);
+    static const std::string part = std::string(format::LineEnd) + std::string(format::Delimiter);
+    const bool inHead = takePrefix(contentType, format::Multipart);
+    bool isCut = false;
+    const auto starts = [&](std::string_view expected) {
+        isCut = isCut || db::startsWithIgnoringCase(expected, start);
+        return db::startsWithIgnoringCase(start, expected);
+    };
+    if (starts(headline) || starts(callError) || starts(format::ClientVersion) ||
+        (inHead && (starts(part) || starts(format::Delimiter))))
+        return true;
+    if (!isCut)
+        throw badReply("the server answered with " + describeForeign(start));
+    return false;
+}
+
+Message readMessage(std::string_view body, std::string_view contentType) {
     ByteReader in(body);
     Message message;
-    if (in.startsWith(format::ClientVersion))
-        readLine(in);
-    readHeadline(in, message);
-    const std::string delimiter =
+    const bool headlineInHead = startsWithPart(body);
+    if (!headlineInHead) {
+        if (in.startsWith(format::ClientVersion))
+            readLine(in);
+        contentType = readLine(in);
+        if (!takePrefix(contentType, format::ContentType))
+            throw badReply("it does not start as one");
+    }
+    readHeadline(contentType, message);
+    const std::string lineAndDelimiter =
         std::string(format::LineEnd) + std::string(format::Delimiter) + message.boundary;
+    std::string_view delimiter = lineAndDelimiter;
+    // Behind an HTTP head, the line end in front of the first one may have been taken for its own.
+    if (headlineInHead && in.startsWith(format::Delimiter))
+        delimiter.remove_prefix(format::LineEnd.size());
     VariantDecoder decoder(in);
     for (;;) {
-        if (!std::string_view(delimiter).starts_with(in.rest().substr(0, delimiter.size())))
+        if (!delimiter.starts_with(in.rest().substr(0, delimiter.size())))
             throw badReply("a part of it does not end where its values end");
         in.skip(delimiter.size());
+        delimiter = lineAndDelimiter;
         if (in.startsWith(format::Delimiter)) {
             in.skip(format::Delimiter.size());
             if (!readLine(in).empty())

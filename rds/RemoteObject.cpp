@@ -1,6 +1,7 @@
 #include "rds/RemoteObject.h"
 
 #include "db/Error.h"
+#include "rds/MessageReader.h"
 
 #include <utility>
 
@@ -90,8 +91,11 @@ bool RemoteObject::PUTSQL(std::vector<std::string>& statements, std::string& err
 
 Reply RemoteObject::invoke(const std::string& method, std::vector<Variant> arguments) {
     Call call{progId_, method, std::move(arguments), newBoundary()};
-    const HttpAnswer answer = client_.post(server_, callPath(call), encodeCall(call));
-    return decodeReply(answer.body, call.arguments.size());
+    const HttpAnswer answer =
+        client_.post(server_, callPath(call), encodeCall(call), [](const HttpAnswer& soFar) {
+            return startsAsMessage(soFar.body, soFar.contentType);
+        });
+    return decodeReply(answer.body, call.arguments.size(), answer.contentType);
 }
 
 } // namespace quillet::rds

@@ -215,6 +215,56 @@ TEST(Call, NoPartOfACutReplyIsUsed) {
     }
 }
 
+TEST(Call, ItsFirstLineMayStandInTheHttpHead) {
+    for (const std::string& body : {vectors::putsqlReplyFalse(), vectors::recordsetReply()}) {
+        const std::size_t arguments = body.find("num-args=3") != std::string::npos ? 3 : 5;
+        const std::string type = body.substr(14, body.find("\r\n") - 14);
+        for (const std::size_t ends : {2, 4}) { // with the blank line or without
+            const std::string parts = body.substr(body.find("\r\n") + ends);
+            EXPECT_EQ(decodeReply(parts, arguments, type).arguments,
+                      decodeReply(body, arguments).arguments);
+            for (std::size_t size = 0; size < parts.size(); ++size)
+                ASSERT_NE(tests::errorOf([&] {
+                              decodeReply(parts.substr(0, size), arguments, type);
+                          }).Number(),
+                          0)
+                    << size << " of " << parts.size();
+        }
+        EXPECT_EQ(errorOf(body.substr(body.find("--")), arguments), db::number::Unspecified);
+        EXPECT_NO_THROW(decodeReply(body, arguments, "text/html")) << "what most servers say";
+    }
+}
+
+TEST(Call, WhatIsNoReplyIsNamedByItsFirstBytes) {
+    const std::vector<std::pair<std::string, std::string>> foreign{
+        {"<html><head><title>Login</title>", "a web page"},
+        {"\xEF\xBB\xBF\r\n<!DOCTYPE html>", "a web page"},
+        {"<", "a web page"},
+        {bytes("1F8B0800000000000003"), "compressed data"},
+        {"Error \r\n" + std::string(100, 'x'), "\"Error " + std::string(54, 'x') + '"'},
+        {"Content-Type: text/html\r\n\r\n<html>", "\"Content-Type: text/html<html>\""},
+        {"--boundary", "\"--boundary\""},
+        {bytes("00 01 FF"), "unknown data"}};
+    for (const auto& [body, name] : foreign) {
+        const std::string text = "The reply cannot be read: the server answered with " + name + '.';
+        for (const std::string& rest : {std::string(), std::string(5000, '\0')}) {
+            const std::string whole = body + rest;
+            EXPECT_EQ(tests::errorOf([&] { decodeReply(whole, 5); }).Description(), text);
+            EXPECT_EQ(tests::errorOf([&] { startsAsMessage(whole, ""); }).Description(), text);
+        }
+    }
+    for (const std::string& body :
+         {vectors::recordsetReply(), vectors::objectErrorReply(), vectors::getsqlRequest()}) {
+        bool known = false;
+        for (std::size_t size = 0; size <= body.size(); ++size) {
+            const bool now = startsAsMessage(std::string_view(body).substr(0, size), "");
+            EXPECT_TRUE(now || !known);
+            known = now;
+        }
+        EXPECT_TRUE(known);
+    }
+}
+
 TEST(Call, ContradictionsInAReplyAreErrors) {
     const std::string body = vectors::recordsetReplyWithStrings();
     const std::vector<std::string> wrong{
