@@ -65,7 +65,6 @@ void readHeader(ByteReader& in) {
 struct Counts {
     std::size_t columns = 0;
     std::size_t tables = 0;
-    std::uint32_t rows = 0; ///< 0 where the server did not know
 };
 
 Counts readResultDescriptor(ByteReader content) {
@@ -76,7 +75,9 @@ Counts readResultDescriptor(ByteReader content) {
     content.skip(2); // computed columns
     counts.tables = content.u16();
     content.skip(2); // columns of an ORDER BY
-    counts.rows = content.u32();
+    // Rows, of which more may come from a server that fetches in the background, and fewer from
+    // one that filters them: the end token alone tells where they end.
+    content.skip(4);
     if (counts.columns == 0 || counts.columns > MaxColumns)
         throw badReply("its recordset has " + std::to_string(counts.columns) + " columns");
     return counts;
@@ -281,12 +282,7 @@ db::Recordset readTablegram(ByteReader& in, unsigned codePage) {
         columns.push_back(readColumn(block(in, token::ColumnDescriptor)));
 
     db::Recordset recordset = Rows(columns, codePage).read(in);
-    const auto rows = static_cast<std::uint32_t>(recordset.RecordCount());
-    // More may have come: a server that fetches in the background counts what it has by then.
-    if (rows < counts.rows)
-        throw badReply("its recordset has " + std::to_string(rows) + " rows instead of " +
-                       std::to_string(counts.rows));
-    if (rows > 0)
+    if (recordset.RecordCount() > 0)
         recordset.MoveFirst();
     return recordset;
 }

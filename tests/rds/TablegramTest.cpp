@@ -405,15 +405,16 @@ TEST(Tablegram, PendingChangesAreTakenAsMade) {
         << "half a wide character";
 }
 
-TEST(Tablegram, TheRowCountIsTrustedOnlyAsACheck) {
-    const char* const rows = "07 1F 01000000 '12345678' 07 1F 02000000 '12345678' 0C";
-    EXPECT_EQ(read(mixedRows(rows, 1)).RecordCount(), 1);
-    EXPECT_EQ(read(mixedRows(rows, 0)).RecordCount(), 1);
-    EXPECT_TRUE(isRefused(mixedRows(rows, 2)));
-    EXPECT_EQ(
-        read(mixedRows("07 1F 01000000 '12345678' 07 1F 02000000 '12345678'", 1)).RecordCount(), 2)
-        << "what a fetching server had by then";
-    EXPECT_TRUE(isRefused(mixedRows("", 1)));
+TEST(Tablegram, TheEndTokenAndNotTheCountEndsTheRows) {
+    const char* const rows = "07 1F 01000000 '12345678' 07 1F 02000000 '12345678'";
+    // 1: what a fetching server had by then; 5: what there were before a filter.
+    for (const std::uint32_t count : {0U, 1U, 2U, 5U, 0xFFFFFFFFU}) {
+        const std::string whole = mixedRows(rows, count);
+        EXPECT_EQ(read(whole).RecordCount(), 2) << count;
+        for (std::size_t size = 0; size < whole.size(); ++size)
+            ASSERT_TRUE(isRefused(whole.substr(0, size))) << size << " of " << whole.size();
+    }
+    EXPECT_TRUE(read(mixedRows("", 1)).Eof());
 }
 
 TEST(Tablegram, OtherKindsOfTablegramAreRefused) {
