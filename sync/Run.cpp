@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* CommandObjectName = "quorin.demon";
 
-/// A server writes a command at once or not at all.
+/// A command is one small statement, and start-up waits for it.
 constexpr std::chrono::seconds CommandQuietTime{30};
 
 rds::DataSpace dataSpaceOf(Run& run, const rds::HttpClient::Limits& limits) {
