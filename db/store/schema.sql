@@ -1,8 +1,10 @@
 -- The embedded store database, for counters without an Access database.
 --
--- Codes compare without letter case (NOCASE), as they do in Access. BAS_CODE is stored with a
--- trailing blank and looked up without it, hence RTRIM. Both collations are built into SQLite, so
--- that its own shell opens the file.
+-- Codes compare without letter case (NOCASE), as they do in Access, where trailing blanks do not
+-- count either. One code cannot have both: BAS_CODE is stored with a trailing blank and looked up
+-- without it, hence RTRIM, and its letter case counts. No built-in collation does both, and with one
+-- of our own SQLite's shell, and every other program that reads the store, would fail on BAS ("no
+-- such collation sequence").
 
 -- Menu categories. The code is deliberately not unique: a category without a kind comes in both
 -- halves of the head office's query, and a new one is inserted twice.
@@ -149,7 +151,8 @@ CREATE TABLE CT (
   CT_KD TEXT
 );
 
--- Account titles; FN_KEY is FN_CD1 followed by FN_CD2.
+-- Account titles; FN_KEY is FN_CD1 followed by FN_CD2. Deliberately not unique: 41 with 01 reads like
+-- 4 with 101, and where both are new both are inserted.
 CREATE TABLE FN (
   FN_CD1 TEXT COLLATE NOCASE,
   FN_CD2 TEXT COLLATE NOCASE,
@@ -163,8 +166,9 @@ CREATE TABLE FN (
   FN_SNAME TEXT,
   FN_FIND TEXT,
   FN_DATE TEXT,
-  FN_KEY TEXT NOT NULL COLLATE NOCASE PRIMARY KEY
+  FN_KEY TEXT NOT NULL COLLATE NOCASE
 );
+CREATE INDEX FN_KEY ON FN (FN_KEY);
 
 -- Settings.
 CREATE TABLE BAS (
