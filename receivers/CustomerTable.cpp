@@ -6,8 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
-#include <cstdio>
+#include <optional>
 
 namespace quillet::receivers {
 
@@ -32,31 +33,48 @@ std::string firstTen(const std::string& text) {
     return text.substr(0, end);
 }
 
-/// Whether a text is digits as "YYYY-MM-DD" has them, which is what the head office sends.
-bool isPlainDate(std::string_view text) {
-    constexpr std::string_view Form = "0000-00-00";
-    return std::equal(text.begin(), text.end(), Form.begin(), Form.end(), [](char c, char form) {
-        return form == '0' ? c >= '0' && c <= '9' : c == form;
-    });
+/// Takes a number of so many digits off a text.
+std::optional<unsigned> takeNumber(std::string_view& text, std::size_t least, std::size_t most) {
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (digits < least || digits > most)
+        return std::nullopt;
+    unsigned number = 0;
+    std::from_chars(text.data(), text.data() + digits, number);
+    text.remove_prefix(digits);
+    return number;
+}
+
+bool takeSeparator(std::string_view& text) {
+    if (text.find_first_of("-/.") != 0)
+        return false;
+    text.remove_prefix(1);
+    return true;
+}
+
+/// The day that a text of year, month and day begins with; a time, or a piece of one, may follow.
+/// Any other order or length could as well be another day.
+std::optional<db::DateTime> dayOf(std::string_view text) {
+    const auto year = takeNumber(text, 4, 4);
+    const auto month = year && takeSeparator(text) ? takeNumber(text, 1, 2) : std::nullopt;
+    const auto day = month && takeSeparator(text) ? takeNumber(text, 1, 2) : std::nullopt;
+    const bool timeFollows =
+        text.starts_with(' ') && text.find_first_not_of(" 0123456789:") == std::string_view::npos;
+    if (!day || !(text.empty() || timeFollows))
+        return std::nullopt;
+    if (!std::chrono::year_month_day(std::chrono::year(static_cast<int>(*year)),
+                                     std::chrono::month(*month), std::chrono::day(*day))
+             .ok())
+        return std::nullopt;
+    return db::DateTime{.year = static_cast<std::int16_t>(*year),
+                        .month = static_cast<std::uint8_t>(*month),
+                        .day = static_cast<std::uint8_t>(*day)};
 }
 
 /// A date's day as "YYYY-MM-DD"; what is no date (a blank, the zero date) comes back as it is.
 std::string dayText(const std::string& text) {
     std::string day = firstTen(text);
-    if (isPlainDate(day))
-        return day; // whether there is such a day or not
-    int year = 0;
-    unsigned month = 0;
-    unsigned dayOfMonth = 0;
-    std::sscanf(day.c_str(), "%4d%*1[-/.]%2u%*1[-/.]%2u", &year, &month, &dayOfMonth);
-    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                           std::chrono::day(dayOfMonth)};
-    if (!date.ok())
-        return day;
-    return db::Value::date({.year = static_cast<std::int16_t>(year),
-                            .month = static_cast<std::uint8_t>(month),
-                            .day = static_cast<std::uint8_t>(dayOfMonth)})
-        .toText();
+    const auto date = dayOf(day);
+    return date ? db::Value::date(*date).toText() : day;
 }
 
 std::string render(const sync::SqlTemplate& statement, const sync::ServerRow& row) {
