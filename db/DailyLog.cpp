@@ -1,6 +1,7 @@
 #include "db/DailyLog.h"
 
 #include "db/Error.h"
+#include "db/PrivateFile.h"
 
 #include <cstdio>
 #include <fstream>
@@ -43,7 +44,10 @@ void DailyLog::write(const std::string& message, const std::string& kind,
     requireFolder(folder);
 
     const DateTime now = clock_();
-    std::ofstream file(folder / fileName(now), std::ios::binary | std::ios::app);
+    const std::filesystem::path path = folder / fileName(now);
+    if (!makePrivateFile(path))
+        return;
+    std::ofstream file(path, std::ios::binary | std::ios::app);
     file << '[' << dateTimeText(now) << "]\r\n" << message << "\r\n" << kind << "\r\n";
     for (const std::string* detail : {&detail1, &detail2, &detail3})
         if (!detail->empty())

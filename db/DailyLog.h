@@ -8,7 +8,8 @@
 namespace quillet::db {
 
 /// The log of failed statement batches: `ZELMARO_LOG/YYYYMMDD.TXT` in the program folder, one file
-/// a day, entries appended, UTF-8, lines ending in CR LF. Nothing reads it but people.
+/// a day, entries appended, UTF-8, lines ending in CR LF. Nothing reads it but people, and of them
+/// only the file's owner can: the statements hold what was received about others.
 class DailyLog {
 public:
     explicit DailyLog(std::filesystem::path programFolder, Clock clock = localNow);

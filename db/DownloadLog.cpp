@@ -1,5 +1,7 @@
 #include "db/DownloadLog.h"
 
+#include "db/PrivateFile.h"
+
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -18,7 +20,10 @@ void DownloadLog::write(const std::string& title, const std::string& statement, 
                       static_cast<int>(now.month), static_cast<int>(now.day),
                       static_cast<int>(now.hour), static_cast<int>(now.minute),
                       static_cast<int>(now.second));
-        std::ofstream file(programFolder_ / "log" / name, std::ios::binary | std::ios::trunc);
+        const std::filesystem::path path = programFolder_ / "log" / name;
+        if (!makePrivateFile(path))
+            return;
+        std::ofstream file(path, std::ios::binary | std::ios::trunc);
         file << title << "\r\n"
              << statement << "\r\n"
              << errNumber << "\r\n"

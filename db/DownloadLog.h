@@ -8,7 +8,8 @@
 namespace quillet::db {
 
 /// The log of failed receivers: one file each, `log/Downyymmddhhmmss.txt` in the program folder,
-/// UTF-8, lines ending in CR LF. A second failure within the same second overwrites the first.
+/// UTF-8, lines ending in CR LF, for the file's owner alone. A second failure within the same
+/// second overwrites the first.
 ///
 /// The folder is deliberately not created: a technician who wants these files makes it.
 class DownloadLog {
