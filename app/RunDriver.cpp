@@ -229,7 +229,6 @@ RunDriver::Result RunDriver::execute() {
     return Result::Received;
 }
 
-/// The daily log has it already; this is for the window.
 void RunDriver::takeFailureDown() {
     const std::size_t index = run_.store().failedIndex();
     const bool refused = index > 0 && index < run_.statements.size();
@@ -237,9 +236,8 @@ void RunDriver::takeFailureDown() {
     std::size_t group = 0;
     while (group < sync::Groups && sumBefore(run_.groupCounts, group + 1) < position)
         ++group;
-    run_.failure =
-        sync::Failure{refused ? AllGroups[group].name + std::string(" 저장") : std::string("저장"),
-                      refused ? run_.statements[index] : std::string(), run_.store().errorText()};
+    run_.takeRefusalDown(refused ? AllGroups[group].name + std::string(" 저장") : "저장",
+                         refused ? run_.statements[index] : std::string());
 }
 
 /// Outside the run's transaction: the base data is in the store, whatever comes of this.

@@ -4,6 +4,7 @@
 #include "app/widgets/FlatProgressBar.h"
 #include "app/widgets/GroupTile.h"
 #include "app/widgets/TouchButton.h"
+#include "sync/StatementSubject.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -30,6 +31,9 @@ constexpr int TouchHeight = 68;
 constexpr int BarHeight = 32;
 constexpr int Margin = 36;
 constexpr int Gap = 18;
+
+/// Of each text about a failure: what a server or a driver says may quote a statement of any size.
+constexpr std::size_t MostCharacters = 400;
 
 enum Page { Progress, Reason };
 
@@ -278,11 +282,12 @@ void WindowControls::showFailure(const sync::Failure& failure) {
         if (!cursor.atStart())
             cursor.insertBlock();
         cursor.insertText(caption + QStringLiteral("  "), bold);
-        cursor.insertText(QString::fromStdString(text).trimmed(), plain);
+        cursor.insertText(QString::fromStdString(sync::elided(text, MostCharacters)).trimmed(),
+                          plain);
     };
     line(QStringLiteral("구분"), failure.title);
     line(QStringLiteral("오류"), failure.error);
-    line(QStringLiteral("명령"), failure.statement);
+    line(QStringLiteral("자료"), failure.subject);
     reason->moveCursor(QTextCursor::Start);
     card_->setCurrentIndex(Reason);
 }

@@ -80,6 +80,7 @@ bool guardReceiver(Run& run, std::string_view title,
         if (run.isEnding())
             return false;
         run.fail(std::string(title), loggedStatement(run, handledRows), db::currentError());
+        run.failure->subject.clear(); // the log's statement is an earlier one than what failed
         return false;
     }
 }

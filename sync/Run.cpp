@@ -2,6 +2,7 @@
 
 #include "rds/RemoteObject.h"
 #include "sync/LeadingNumber.h"
+#include "sync/StatementSubject.h"
 
 #include <chrono>
 
@@ -73,8 +74,17 @@ void Run::saveSetting(const char* application, const char* section, const char* 
 
 void Run::fail(const std::string& title, const std::string& statement, const db::Error& error) {
     WriteDownloadLog(title, statement, error.Number(), error.Description());
-    failure =
-        Failure{title, statement, std::to_string(error.Number()) + " : " + error.Description()};
+    std::string description = error.Description();
+    const std::size_t quoted = refusal_.empty() ? std::string::npos : description.find(refusal_);
+    if (quoted != std::string::npos)
+        description.replace(quoted, refusal_.size(), withoutQuotations(refusal_));
+    failure = Failure{title, statementSubject(statement),
+                      std::to_string(error.Number()) + " : " + description};
+}
+
+void Run::takeRefusalDown(const std::string& title, const std::string& statement) {
+    refusal_ = store_.errorText();
+    failure = Failure{title, statementSubject(statement), withoutQuotations(refusal_)};
 }
 
 void Run::logBatchFailure(const std::string& title) const noexcept {

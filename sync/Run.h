@@ -25,11 +25,12 @@ inline constexpr std::size_t Groups = 5;
 /// Which groups are ticked.
 using Ticks = std::array<bool, Groups>;
 
-/// Why a run failed, for the person in front of it: what the log holds.
+/// Why a run failed, for the person in front of it. The logs hold more: whole statements, with what
+/// was received about people.
 struct Failure {
-    std::string title;     ///< the receiver's, or the group's whose statement was refused
-    std::string statement; ///< the statement in question, if there is one
-    std::string error;     ///< "number : description"
+    std::string title;   ///< the receiver's, or the group's whose statement was refused
+    std::string subject; ///< which row the statement in question is about, if there is one
+    std::string error;   ///< "number : description"; of a statement without what it quotes from it
 };
 
 /// Where the head office is, as start-up read it from the settings.
@@ -136,6 +137,10 @@ public:
     /// Writes to the download log why the store's latest PUT_DATA_DEL has failed.
     void logBatchFailure(const std::string& title) const noexcept;
 
+    /// Takes down in `failure` what the store says of a batch that it has just refused, and of the
+    /// statement, if it was one. The daily log has both already.
+    void takeRefusalDown(const std::string& title, const std::string& statement);
+
     /// Writes to the download log, where its folder exists.
     void WriteDownloadLog(const std::string& title, const std::string& statement, long errNumber,
                           const std::string& errDescription) const noexcept;
@@ -155,6 +160,7 @@ private:
     RunObserver nobody_;
     RunObserver* observer_;
     std::optional<rds::DataSpace> DataSpace; ///< created on first use
+    std::string refusal_; ///< the store's latest; its later error texts may begin with it
 };
 
 } // namespace quillet::sync

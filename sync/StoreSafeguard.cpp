@@ -172,13 +172,15 @@ std::string StoreSafeguard::whatIsMissing(const std::optional<Stamps>& stamps) c
 
 void StoreSafeguard::report(const std::string& finding) {
     const std::optional<Failure> before = std::exchange(run_.failure, std::nullopt);
-    run_.fail(StoreTitle, before ? before->statement : "",
+    run_.fail(StoreTitle, before ? before->subject : "",
               db::Error(db::number::Unspecified,
                         "The store did not keep the transaction whole: " + finding +
                             ". The next receive repeats everything." +
                             (isThere(copy_) ? " Before this one: " + db::textOf(copy_.filename())
                                             : std::string()) +
                             (before ? "\r\n" + before->error : std::string())));
+    if (before)
+        run_.failure->subject = before->subject;
 }
 
 void StoreSafeguard::abandon() {

@@ -157,22 +157,23 @@ TEST_F(WindowTest, TheOverallBarIsFullOnlyAfterTheCommit) {
 }
 
 TEST_F(WindowTest, AFailedRunSaysWhyUntilTheNextOne) {
-    category("102000000000000", "할매''s 국수", "'Y'", "'A402'");
-    receivedBefore();
-    counter_.store("INSERT INTO KIND VALUES ('0102','옛 국수',2,0)");
+    sql("INSERT INTO ST (ST_CODE,RCT_CODE,ST_NAME,ST_SECT,ST_POSPWD,ST_ASPLVL) VALUES "
+        "('0012','1000','Kim''s','1','4821','9')");
     startAndFail();
     EXPECT_THAT(reason(), HasSubstr("구분  품목분류 자료수신\n오류  -2147217865 : "));
     press(Qt::Key_Return);
     counter_.waitForEndOfRun();
     EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다");
-    EXPECT_THAT(reason(), AllOf(HasSubstr("구분  품목 저장\n오류  -2147217900 : "),
-                                HasSubstr("명령  UPDATE KIND SET KIND_NAME = '할매's 국수'")));
+    EXPECT_EQ(reason(), "구분  사용자 저장\n오류  -2147217900 : Syntax error in string in query "
+                        "expression ….\n자료  USR  USR_CODE = '0012'");
+    EXPECT_THAT(counter_.dailyLog(), HasSubstr("'Kim's',0,"));
+    EXPECT_THAT(counter_.dailyLog(), HasSubstr("'4821'"));
     std::string meanwhile;
     counter_.beforeQuery = [&](const std::string&) { meanwhile = reason(); };
     press(Qt::Key_Return);
     counter_.waitForEndOfRun();
     EXPECT_EQ(meanwhile, "not shown") << "while it is tried again";
-    EXPECT_THAT(reason(), HasSubstr("품목 저장"));
+    EXPECT_THAT(reason(), HasSubstr("사용자 저장"));
 }
 
 TEST_F(WindowTest, ASecondWindowOnTheStoreReceivesNothing) {

@@ -200,6 +200,20 @@ TEST_F(StoreSafeguardTest, ADamagedNoteAsksForEverythingAndDeletesNothing) {
     }
 }
 
+TEST_F(StoreSafeguardTest, WhatARefusalQuotesStaysInTheLogs) {
+    const std::string refused = "INSERT INTO PROP (PROP_CODE,PROP_NAME) VALUES ('02' '4821')";
+    store_->PUT_DATA_DEL({"", refused});
+    ASSERT_THAT(store_->errorText(), HasSubstr("4821"));
+    run_->takeRefusalDown("품목 저장", refused);
+    EXPECT_EQ(run_->failure->subject, "PROP  PROP_CODE = '02'");
+    EXPECT_THAT(run_->failure->error, Not(HasSubstr("4821")));
+    // A later failure of the store says it again.
+    db::Recordset closed = store_->GET_RSS("SELECT X FROM NOWHERE");
+    run_->fail("품목분류 자료수신", "", db::Error(3704, "closed. " + store_->errorText()));
+    EXPECT_THAT(run_->failure->error, testing::AllOf(HasSubstr("NOWHERE"), Not(HasSubstr("4821"))));
+    EXPECT_THAT(tests::readOnlyFileIn(folder_ / "log"), HasSubstr("4821"));
+}
+
 TEST_F(StoreSafeguardTest, AnEngineMayKeepStampsInItsOwnForm) {
     store_->PUT_DATA_DEL({"", "CREATE TRIGGER OWN_FORM AFTER UPDATE OF UPD_PR ON UPD BEGIN UPDATE "
                               "UPD SET UPD_PR = '02/01/2026', UPD_CT = '02/01/2026'; END"});
