@@ -34,14 +34,14 @@ std::string firstTen(const std::string& text) {
 }
 
 /// Takes a number of so many digits off a text.
-std::optional<unsigned> takeNumber(std::string_view& text, std::size_t least, std::size_t most) {
+/// @return whether it begins with one.
+bool takeNumber(std::string_view& text, std::size_t least, std::size_t most, unsigned& number) {
     const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
     if (digits < least || digits > most)
-        return std::nullopt;
-    unsigned number = 0;
+        return false;
     std::from_chars(text.data(), text.data() + digits, number);
     text.remove_prefix(digits);
-    return number;
+    return true;
 }
 
 bool takeSeparator(std::string_view& text) {
@@ -54,20 +54,23 @@ bool takeSeparator(std::string_view& text) {
 /// The day that a text of year, month and day begins with; a time, or a piece of one, may follow.
 /// Any other order or length could as well be another day.
 std::optional<db::DateTime> dayOf(std::string_view text) {
-    const auto year = takeNumber(text, 4, 4);
-    const auto month = year && takeSeparator(text) ? takeNumber(text, 1, 2) : std::nullopt;
-    const auto day = month && takeSeparator(text) ? takeNumber(text, 1, 2) : std::nullopt;
+    unsigned year = 0;
+    unsigned month = 0;
+    unsigned day = 0;
+    const bool whole = takeNumber(text, 4, 4, year) && takeSeparator(text) &&
+                       takeNumber(text, 1, 2, month) && takeSeparator(text) &&
+                       takeNumber(text, 1, 2, day);
     const bool timeFollows =
         text.starts_with(' ') && text.find_first_not_of(" 0123456789:") == std::string_view::npos;
-    if (!day || !(text.empty() || timeFollows))
+    if (!whole || !(text.empty() || timeFollows))
         return std::nullopt;
-    if (!std::chrono::year_month_day(std::chrono::year(static_cast<int>(*year)),
-                                     std::chrono::month(*month), std::chrono::day(*day))
+    if (!std::chrono::year_month_day(std::chrono::year(static_cast<int>(year)),
+                                     std::chrono::month(month), std::chrono::day(day))
              .ok())
         return std::nullopt;
-    return db::DateTime{.year = static_cast<std::int16_t>(*year),
-                        .month = static_cast<std::uint8_t>(*month),
-                        .day = static_cast<std::uint8_t>(*day)};
+    return db::DateTime{.year = static_cast<std::int16_t>(year),
+                        .month = static_cast<std::uint8_t>(month),
+                        .day = static_cast<std::uint8_t>(day)};
 }
 
 /// A date's day as "YYYY-MM-DD"; what is no date (a blank, the zero date) comes back as it is.
