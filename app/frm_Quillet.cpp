@@ -87,8 +87,8 @@ void frm_Quillet::Form_Load() {
     controls_.display.refresh();
     try {
         composeServerConnection();
-    } catch (
-        const db::Error&) { // NOLINT(bugprone-empty-catch): start-up meets it again, and says so
+    } catch (const db::Error&) {
+        serverConnectionString_.clear(); // start-up meets it again, and says so
     }
     setFixedSize(WindowSize * scaleForScreen());
     PlaceWindow(*this, Centred, true);
@@ -123,7 +123,8 @@ bool frm_Quillet::startUp() {
     run_->endWanted = [this] { return closeWanted_; };
     readHeadOffice();
     QCoreApplication::processEvents(); // so that the window paints
-    reportVersionOnce();
+    if (!closeWanted_)
+        reportVersionOnce();
     if (closeWanted_)
         return false; // it was closed instead
     migrateFlagColumnsOnce();
@@ -133,6 +134,7 @@ bool frm_Quillet::startUp() {
 
 /// The window stays, and its start button tries again.
 void frm_Quillet::failStartUp(const db::Error& error) {
+    run_.reset();
     const sync::Failure failure{"설정 확인", "",
                                 std::to_string(error.Number()) + " : " + error.Description()};
     downloadLog().write(failure.title, "", error.Number(), error.Description());
@@ -167,8 +169,8 @@ bool frm_Quillet::takeStore() {
             downloadLog().write(sync::StoreTitle, "", db::number::FileAccess,
                                 "The store cannot be locked against a second window (" +
                                     storeLock_->reason() +
-                                    "). It is received all the same: see "
-                                    "to it that one window at a time does.");
+                                    "). It is received all the same: see to it that one window at "
+                                    "a time does.");
         break;
     }
     return true;
