@@ -55,7 +55,8 @@ public:
     std::optional<std::string> value() {
         if (mark('\'')) {
             const std::size_t end = std::min(rest_.find('\''), rest_.size());
-            const std::string text = "'" + std::string(take(end)) + "'";
+            std::string text(1, '\'');
+            text.append(take(end)).append(1, '\'');
             mark('\'');
             return text;
         }
@@ -91,7 +92,7 @@ std::string conditions(Scanner text) {
         const auto value = text.value();
         if (!value)
             break;
-        result += (result.empty() ? "  " : " AND ") + std::string(column) + " = " + *value;
+        result.append(result.empty() ? "  " : " AND ").append(column).append(" = ").append(*value);
     } while (text.word("AND"));
     return result;
 }
@@ -105,7 +106,7 @@ std::string firstColumn(Scanner text) {
     if (column.empty() || !(text.word("SELECT") || (text.word("VALUES") && text.mark('('))))
         return {};
     const auto value = text.value();
-    return value ? "  " + std::string(column) + " = " + *value : std::string();
+    return value ? std::string("  ").append(column).append(" = ").append(*value) : std::string();
 }
 
 std::string lastWhere(std::string_view statement) {
