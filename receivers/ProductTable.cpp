@@ -3,6 +3,7 @@
 #include "receivers/Titles.h"
 
 #include <array>
+#include <optional>
 
 namespace quillet::receivers {
 
@@ -26,7 +27,7 @@ std::string_view stockFlag(const sync::ServerRow& row) {
 /// The product statements of one receive: what an end of sale sets is carried from row to row.
 class ProductStatements {
 public:
-    ProductStatements(const sync::SqlTemplate& insert, const sync::SqlTemplate& update)
+    ProductStatements(const sync::SqlTemplate& insert, const ProductUpdate& update)
         : insert_(insert), update_(update) {}
 
     std::optional<std::string> insert(const sync::ServerRow& row) {
@@ -38,10 +39,10 @@ public:
     std::string update(const sync::ServerRow& row) {
         const double end = readEndOfSale(row);
         if (end == OnSale || end == Paused)
-            KindClause = ",KIND_CODE = '" + row.text(2) + "' ";
+            KindCode = row.text(2);
         else if (end == Discontinued)
-            KindClause.clear();
-        return render(update_, row);
+            KindCode.reset();
+        return render(KindCode ? update_.withKind : update_.withoutKind, row);
     }
 
 private:
@@ -55,22 +56,32 @@ private:
     }
 
     std::string render(const sync::SqlTemplate& statement, const sync::ServerRow& row) const {
-        const std::string_view VmFlag = stockFlag(row);
+        const std::string_view Kind = KindCode ? std::string_view(*KindCode) : std::string_view();
         return statement.render(
-            row, std::array<std::string_view, 4>{CkText, VisibleText, VmFlag, KindClause});
+            row, std::array<std::string_view, 4>{CkText, VisibleText, stockFlag(row), Kind});
     }
 
     const sync::SqlTemplate& insert_;
-    const sync::SqlTemplate& update_;
+    const ProductUpdate& update_;
     std::string_view CkText = "0";
     std::string_view VisibleText = "0";
-    std::string KindClause;
+    std::optional<std::string> KindCode; ///< of the category part, if there is one
 };
 
 } // namespace
 
 sync::SqlTemplate productStatement(std::string_view pattern) {
-    return sync::SqlTemplate(pattern, {"CkText", "VisibleText", "VmFlag", "KindClause"});
+    return sync::SqlTemplate(pattern, {"CkText", "VisibleText", "VmFlag", "KindCode"});
+}
+
+ProductUpdate::ProductUpdate(const std::string& pattern) {
+    constexpr std::string_view Place = "{KindClause}";
+    const std::size_t place = pattern.find(Place);
+    const auto with = [&](std::string_view clause) {
+        return productStatement(std::string(pattern).replace(place, Place.size(), clause));
+    };
+    withKind = with(",KIND_CODE = '{KindCode}' ");
+    withoutKind = with("");
 }
 
 const sync::SqlTemplate InsertProductWithPoint = productStatement(
@@ -80,23 +91,23 @@ const sync::SqlTemplate InsertProductWithPoint = productStatement(
     "'{0}','{1}','{2}','{3}',{#4},{#5},{#6},{#7},"
     "{CkText},{#9},{VmFlag},{#11},{#12},{#13},{#14},{#15},{VisibleText},'{16}','{17}') ");
 
-sync::SqlTemplate updateProductWithPoint(std::string_view pointOpening) {
-    return productStatement(" UPDATE PR SET "
-                            " PR_NAME = '{1}' {KindClause},PR_DATE = '{3}',"
-                            " PR_PRICE1 = {#4},   PR_PRICE2 = {#5},"
-                            " PR_PRICE3 = {#6},   PR_COST = {#7},"
-                            " PR_CK     = {CkText},"
-                            " PR_TAX    = {#9},   PR_IVCK = {VmFlag},"
-                            " PR_DCGU   = {#11},  PR_SETGU = {#12},"
-                            " PR_COSGU  = {#13},  PR_OPTGU = {#14},"
-                            " PR_CPRGU  = {#15},  PR_BARCODE = '{16}', " +
-                            std::string(pointOpening) +
-                            "{trim 17}'"
-                            " WHERE PR_CODE = '{0}' ");
+ProductUpdate updateProductWithPoint(std::string_view pointOpening) {
+    return ProductUpdate(" UPDATE PR SET "
+                         " PR_NAME = '{1}' {KindClause},PR_DATE = '{3}',"
+                         " PR_PRICE1 = {#4},   PR_PRICE2 = {#5},"
+                         " PR_PRICE3 = {#6},   PR_COST = {#7},"
+                         " PR_CK     = {CkText},"
+                         " PR_TAX    = {#9},   PR_IVCK = {VmFlag},"
+                         " PR_DCGU   = {#11},  PR_SETGU = {#12},"
+                         " PR_COSGU  = {#13},  PR_OPTGU = {#14},"
+                         " PR_CPRGU  = {#15},  PR_BARCODE = '{16}', " +
+                         std::string(pointOpening) +
+                         "{trim 17}'"
+                         " WHERE PR_CODE = '{0}' ");
 }
 
 bool receiveProducts(sync::Run& run, std::string ServerSql, const sync::SqlTemplate& insert,
-                     const sync::SqlTemplate& update) {
+                     const ProductUpdate& update) {
     ProductStatements statements(insert, update);
     return sync::receive(
         run, {.title = ProductsTitle,

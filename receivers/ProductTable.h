@@ -26,19 +26,27 @@ namespace quillet::receivers {
 /// A statement on `PR` with the places that are computed from the row:
 ///
 ///     {CkText}  {VisibleText}  {VmFlag}
-///     {KindClause}  the category part of an UPDATE, comma included, or nothing
 sync::SqlTemplate productStatement(std::string_view pattern);
+
+/// An UPDATE of `PR`, with the same places and one more:
+///
+///     {KindClause}  the category part, comma included, or nothing
+struct ProductUpdate {
+    explicit ProductUpdate(const std::string& pattern);
+
+    sync::SqlTemplate withKind; ///< its last computed text is the category
+    sync::SqlTemplate withoutKind;
+};
 
 /// The statements of the receivers that receive field 17: stored as received when the product is
 /// new, without outer blanks when it is not. The UPDATE deliberately leaves the visibility alone.
 extern const sync::SqlTemplate InsertProductWithPoint;
 /// @param pointOpening " PR_POINT = '" with the blanks that the receiver has there.
-sync::SqlTemplate updateProductWithPoint(std::string_view pointOpening);
+ProductUpdate updateProductWithPoint(std::string_view pointOpening);
 
 /// Receives products; the three receivers differ in these arguments.
 /// @return the receive result flag.
 [[nodiscard]] bool receiveProducts(sync::Run& run, std::string ServerSql,
-                                   const sync::SqlTemplate& insert,
-                                   const sync::SqlTemplate& update);
+                                   const sync::SqlTemplate& insert, const ProductUpdate& update);
 
 } // namespace quillet::receivers

@@ -4,6 +4,7 @@
 #include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
 #include "sync/Receiver.h"
+#include "sync/SqlTemplate.h"
 
 #include <array>
 
@@ -50,10 +51,9 @@ bool isRegistered(std::string registrationNumber) {
     return sync::leadingNumber(registrationNumber) != 0;
 }
 
-std::string update(const std::string& contents, int CF_IDX) {
-    return " UPDATE CF SET CF_CONTENTS = '" + contents +
-           "' WHERE CF_PART = '회사' AND CF_IDX = " + std::to_string(CF_IDX) + " ";
-}
+const sync::SqlTemplate
+    Update(" UPDATE CF SET CF_CONTENTS = '{contents}' WHERE CF_PART = '회사' AND CF_IDX = {index} ",
+           {"contents", "index"});
 
 } // namespace
 
@@ -63,16 +63,20 @@ bool ReceiveBusinessInformation(sync::Run& run) {
         if (ServerRs.Eof())
             return;
         run.RowTotal = 8; // deliberately, however many statements follow
-        const Texts V = cleaned(sync::ServerRow(ServerRs));
-        run.append(update(V[Seats], 13));
-        run.append(update(V[Name], 1));
+        const sync::ServerRow row(ServerRs);
+        const Texts V = cleaned(row);
+        const auto update = [&row](const std::string& contents, std::string_view CF_IDX) {
+            return Update.render(row, std::array<std::string_view, 2>{contents, CF_IDX});
+        };
+        run.append(update(V[Seats], "13"));
+        run.append(update(V[Name], "1"));
         if (isRegistered(V[RegistrationNumber]))
-            run.append(update(V[RegistrationNumber], 2));
-        run.append(update(V[Representative], 3));
-        run.append(update(V[Address1] + " " + V[Address2], 4));
-        run.append(update(V[Telephone], 5));
-        run.append(update(V[BusinessType], 6));
-        run.append(update(V[BusinessItem], 7));
+            run.append(update(V[RegistrationNumber], "2"));
+        run.append(update(V[Representative], "3"));
+        run.append(update(V[Address1] + " " + V[Address2], "4"));
+        run.append(update(V[Telephone], "5"));
+        run.append(update(V[BusinessType], "6"));
+        run.append(update(V[BusinessItem], "7"));
     });
 }
 

@@ -30,7 +30,7 @@ std::string serverSql(const std::string& stamp) {
            " AND LEFT(KIND.KD_ID,3) <> '999' ";
 }
 
-const sync::SqlTemplate Update = updateProductWithPoint(" PR_POINT = '");
+const ProductUpdate Update = updateProductWithPoint(" PR_POINT = '");
 
 } // namespace
 

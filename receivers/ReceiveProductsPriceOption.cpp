@@ -34,7 +34,7 @@ std::string serverSql(bool listPriceMode, const std::string& stamp, const std::s
            stamp + "'";
 }
 
-const sync::SqlTemplate Update = updateProductWithPoint(" PR_POINT =  '");
+const ProductUpdate Update = updateProductWithPoint(" PR_POINT =  '");
 
 } // namespace
 

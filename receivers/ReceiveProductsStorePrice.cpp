@@ -41,17 +41,16 @@ const sync::SqlTemplate Insert = productStatement(
     "'{0}','{1}','{2}','{3}',{#4},{#5},{#6},{#7},"
     "{CkText},{#9},{VmFlag},{#11},{#12},{#13},{#14},{#15},{VisibleText},'{16}') ");
 
-const sync::SqlTemplate Update =
-    productStatement(" UPDATE PR SET "
-                     " PR_NAME = '{1}' {KindClause},PR_DATE = '{3}',"
-                     " PR_PRICE1 = {#4},   PR_PRICE2 = {#5},"
-                     " PR_PRICE3 = {#6},   PR_COST = {#7},"
-                     " PR_CK     = {CkText},      PR_VISIBLE = {VisibleText},"
-                     " PR_TAX    = {#9},   PR_IVCK = {VmFlag},"
-                     " PR_DCGU   = {#11},  PR_SETGU = {#12},"
-                     " PR_COSGU  = {#13},  PR_OPTGU = {#14},"
-                     " PR_CPRGU  = {#15},  PR_BARCODE = '{16}' "
-                     " WHERE PR_CODE = '{0}' ");
+const ProductUpdate Update(" UPDATE PR SET "
+                           " PR_NAME = '{1}' {KindClause},PR_DATE = '{3}',"
+                           " PR_PRICE1 = {#4},   PR_PRICE2 = {#5},"
+                           " PR_PRICE3 = {#6},   PR_COST = {#7},"
+                           " PR_CK     = {CkText},      PR_VISIBLE = {VisibleText},"
+                           " PR_TAX    = {#9},   PR_IVCK = {VmFlag},"
+                           " PR_DCGU   = {#11},  PR_SETGU = {#12},"
+                           " PR_COSGU  = {#13},  PR_OPTGU = {#14},"
+                           " PR_CPRGU  = {#15},  PR_BARCODE = '{16}' "
+                           " WHERE PR_CODE = '{0}' ");
 
 } // namespace
 

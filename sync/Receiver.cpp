@@ -57,7 +57,7 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
     }
     for (; !ServerRs.Eof(); ServerRs.MoveNext()) {
         StoreRs.MoveFirst();
-        StoreRs.Find(upsert.criteria.render(row));
+        StoreRs.Find(upsert.criteria.renderCriteria(row));
         if (StoreRs.Eof())
             appendIfAny(run, upsert.insert(row));
         else

@@ -59,32 +59,47 @@ std::string_view SqlTemplate::opening() const {
 
 std::string SqlTemplate::render(const ServerRow& row,
                                 std::span<const std::string_view> computed) const {
+    QuoteGuard guard;
+    std::string statement = compose(row, computed, guard);
+    guard.require(statement);
+    return statement;
+}
+
+std::string SqlTemplate::renderCriteria(const ServerRow& row) const {
+    QuoteGuard unasked;
+    return compose(row, {}, unasked);
+}
+
+std::string SqlTemplate::compose(const ServerRow& row, std::span<const std::string_view> computed,
+                                 QuoteGuard& guard) const {
     std::string statement;
     statement.reserve(literalSize_ + pieces_.size() * 8);
     for (const Piece& piece : pieces_) {
+        const std::size_t start = statement.size();
         switch (piece.kind) {
         case Kind::Literal:
             statement += piece.literal;
-            break;
+            continue;
+        case Kind::Number:
+            row.appendNumberTo(statement, piece.index);
+            continue;
+        case Kind::NumberOrZero:
+            if (row.isNull(piece.index))
+                statement += '0';
+            else
+                row.appendNumberTo(statement, piece.index);
+            continue;
         case Kind::Text:
             row.appendTextTo(statement, piece.index);
             break;
         case Kind::Trimmed:
             statement += db::trimmed(row.text(piece.index));
             break;
-        case Kind::Number:
-            row.appendNumberTo(statement, piece.index);
-            break;
-        case Kind::NumberOrZero:
-            if (row.isNull(piece.index))
-                statement += '0';
-            else
-                row.appendNumberTo(statement, piece.index);
-            break;
         case Kind::Computed:
             statement += computed[piece.index];
             break;
         }
+        guard.add(std::string_view(statement).substr(start));
     }
     return statement;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sync/QuoteGuard.h"
 #include "sync/ServerRow.h"
 
 #include <cstddef>
@@ -15,7 +16,8 @@ namespace quillet::sync {
 /// a receiver's texts can be read beside the columns that they fill.
 ///
 ///     {3}      field 3 as text, exactly as received: no escaping of any kind. A quote in it breaks
-///              the statement, which then fails and rolls its whole batch back.
+///              the statement, which then fails and rolls its whole batch back; where further
+///              quotes would make another statement of it, there is none (QuoteGuard).
 ///     {trim 3} the same without leading and trailing blanks
 ///     {#3}     field 3 by the leading-number rule, as plain decimal text; Null is an error
 ///     {#3?}    the same, but Null is 0
@@ -33,8 +35,12 @@ public:
     /// What stands in front of the first place.
     std::string_view opening() const;
 
-    /// @throws db::Error 94 for a Null where a number stands.
+    /// @throws db::Error 94 for a Null where a number stands; number::CommandText where quotes in
+    ///         texts, computed ones included, would make another statement of it.
     std::string render(const ServerRow& row, std::span<const std::string_view> computed = {}) const;
+
+    /// Renders a look-up's criteria, of which Find() itself refuses what it cannot take.
+    std::string renderCriteria(const ServerRow& row) const;
 
     /// The same, for a template without computed texts.
     std::string operator()(const ServerRow& row) const { return render(row); }
@@ -47,6 +53,8 @@ private:
         std::size_t index = 0; ///< field, or computed text
     };
 
+    std::string compose(const ServerRow& row, std::span<const std::string_view> computed,
+                        QuoteGuard& guard) const;
     static Piece place(std::string_view name, std::initializer_list<std::string_view> names);
 
     std::vector<Piece> pieces_;

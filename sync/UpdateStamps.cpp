@@ -1,6 +1,7 @@
 #include "sync/UpdateStamps.h"
 
 #include "db/AsciiText.h"
+#include "sync/QuoteGuard.h"
 #include "sync/Receiver.h"
 
 #include <algorithm>
@@ -75,8 +76,13 @@ bool ReadStamps(Run& run) {
 bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title) {
     return guardReceiver(run, title, [&](std::size_t& /*handledRows*/) {
         run.newStamp = stampText(run);
-        run.append(run.stampRowExists ? updateStatement(ticked, run.newStamp)
-                                      : insertStatement(ticked, run.newStamp));
+        std::string statement = run.stampRowExists ? updateStatement(ticked, run.newStamp)
+                                                   : insertStatement(ticked, run.newStamp);
+        QuoteGuard guard;
+        for (auto times = std::count(ticked.begin(), ticked.end(), true); times > 0; --times)
+            guard.add(run.newStamp);
+        guard.require(statement);
+        run.append(std::move(statement));
     });
 }
 

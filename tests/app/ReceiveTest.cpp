@@ -49,6 +49,20 @@ TEST_F(ReceiveTest, AQuoteInATextRollsTheWholeRunBack) {
     EXPECT_THAT(kinds(), ElementsAre("0101|밥류|1|0", "0102|할매 국수|2|0"));
 }
 
+TEST_F(ReceiveTest, QuotesInATextWriteNoOtherColumn) {
+    counter_.store("INSERT INTO USR (USR_CODE,USR_NAME,USR_PASS,USR_LVL) VALUES "
+                   "('U1','강한결','own','A'),('U2','한가람','own','A')");
+    headOffice_->sql("INSERT INTO ST (ST_CODE,RCT_CODE,ST_NAME,ST_SECT,ST_ASPLVL) VALUES "
+                     "('U2','1000','a'',USR_PASS=''4821'',USR_LVL=''9','1','9')");
+    counter_.start();
+    EXPECT_EQ(counter_.text("lbl_MSG"), "사용자자료 수신 실패했습니다");
+    EXPECT_THAT(counter_.rows("SELECT USR_CODE,USR_NAME,USR_PASS,USR_LVL FROM USR"),
+                ElementsAre("U1|강한결|own|A", "U2|한가람|own|A"));
+    EXPECT_THAT(counter_.rows("SELECT * FROM UPD"), IsEmpty());
+    EXPECT_THAT(counter_.downloadLog(), StartsWith("사용자 자료수신\r\n\r\n-2147217900\r\n"));
+    EXPECT_THAT(counter_.downloadLog(), testing::EndsWith(": USR  USR_CODE = 'U2'\r\n"));
+}
+
 TEST_F(ReceiveTest, APartlyTickedLaterRunFailsAsAWhole) {
     headOffice_->sql("DROP TABLE KIND"); // so that the automatic run leaves the window open
     receivedBefore();
