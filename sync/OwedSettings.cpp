@@ -9,14 +9,12 @@ std::string OwedSettings::since(const std::string& stamp) const {
     if (!note_.exists())
         return stamp;
     const auto noted = note_.read();
-    return noted ? noted->front() : std::string();
+    return noted ? StampNote::earlier(stamp, noted->front()) : std::string();
 }
 
 void OwedSettings::note(const std::string& stamp) {
-    if (note_.exists())
-        return;
+    notedHere_ = !note_.exists();
     note_.write({stamp});
-    notedHere_ = true;
 }
 
 void OwedSettings::withdraw() const noexcept {

@@ -16,16 +16,18 @@ public:
     /// @param store the store's file.
     explicit OwedSettings(const std::filesystem::path& store);
 
-    /// From which stamp on they are to be asked for. A note that cannot be read whole asks for all
-    /// of them.
-    /// @param stamp the store's; it counts where none are owed.
+    /// From which stamp on they are to be asked for: the earlier of the store's and the noted one.
+    /// A note that cannot be read whole asks for all of them.
+    /// @param stamp the store's.
     std::string since(const std::string& stamp) const;
 
-    /// Before the commit. What is owed from an earlier run stays noted.
+    /// Before the commit.
+    /// @param stamp what since() said.
     /// @throws db::Error 75 when it cannot be brought to the disk: the commit must not come then.
     void note(const std::string& stamp);
 
-    /// After a batch that was rolled back: takes back what note() has noted.
+    /// After a batch that was rolled back: what note() has noted goes. What is owed from an earlier
+    /// run stays.
     void withdraw() const noexcept;
 
     /// They are written.

@@ -26,6 +26,15 @@ bool isPlain(std::string_view stamp) {
     return std::none_of(stamp.begin(), stamp.end(), [](char c) { return c >= '\0' && c < ' '; });
 }
 
+/// "YYYY-MM-DD" and whatever follows: earlier times are smaller texts.
+bool isSortable(std::string_view stamp) {
+    constexpr std::string_view Form = "0000-00-00";
+    return stamp.size() >= Form.size() &&
+           std::equal(Form.begin(), Form.end(), stamp.begin(), [](char form, char c) {
+               return form == '0' ? c >= '0' && c <= '9' : c == form;
+           });
+}
+
 } // namespace
 
 StampNote::StampNote(std::filesystem::path file, std::vector<std::string_view> columns)
@@ -77,6 +86,12 @@ void StampNote::write(const std::vector<std::string>& stamps) const {
         text += LineEnd;
     }
     db::writeDurably(file_, text);
+}
+
+std::string StampNote::earlier(const std::string& stored, const std::string& noted) {
+    if (db::isBlank(stored) || db::isBlank(noted))
+        return {};
+    return isSortable(stored) && isSortable(noted) ? std::min(stored, noted) : noted;
 }
 
 void StampNote::remove() const noexcept {

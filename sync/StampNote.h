@@ -31,6 +31,11 @@ public:
     /// @throws db::Error 75.
     void write(const std::vector<std::string>& stamps) const;
 
+    /// From which of two stamps on rows are to be asked for, so that none is missed: the earlier
+    /// one, or none at all. A store that was put back from a copy, or is new, can be older than a
+    /// note; where they cannot be compared, the noted stamp counts.
+    static std::string earlier(const std::string& stored, const std::string& noted);
+
     /// A note that cannot be removed only makes the next run ask for more than it needs.
     void remove() const noexcept;
 

@@ -57,7 +57,8 @@ void StoreSafeguard::recoverStamps() {
     if (!note_.exists())
         return;
     if (const auto noted = note_.read()) {
-        std::copy_n(noted->begin(), run_.stamps.size(), run_.stamps.begin());
+        std::transform(run_.stamps.begin(), run_.stamps.end(), noted->begin(), run_.stamps.begin(),
+                       StampNote::earlier);
         return;
     }
     run_.stamps.fill(std::string());

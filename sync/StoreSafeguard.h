@@ -28,8 +28,9 @@ public:
     explicit StoreSafeguard(Run& run);
 
     /// When the stamps have been read: asks from the noted ones instead, if the last run is not
-    /// known to be good. A note that cannot be read whole asks for everything. Whether the menu may
-    /// be emptied is not touched: only the store itself can say that it never received one.
+    /// known to be good and they are earlier. A note that cannot be read whole asks for everything.
+    /// Whether the menu may be emptied is not touched: only the store itself can say that it never
+    /// received one.
     void recoverStamps();
 
     /// Before the run writes anything. A copy that cannot be made does not stop the run; it is

@@ -188,6 +188,16 @@ TEST_F(StoreSafeguardTest, ADamagedNoteAsksForEverythingAndDeletesNothing) {
     start("");
     EXPECT_EQ(run_->stamps[1], "2026-01-01") << "a whole note";
 
+    // Another store is put in its place: older than the note, new, with stamps in a form of its
+    // own.
+    const std::pair<const char*, const char*> stores[] = {
+        {"2025-12-31 10:00:00", "2025-12-31 10:00:00"}, {"", ""}, {"03/02/2026", "2026-01-01"}};
+    for (const auto& [stored, asked] : stores) {
+        store_->PUT_DATA_DEL({"", "UPDATE UPD SET UPD_CT = '" + std::string(stored) + "'"});
+        start("");
+        EXPECT_EQ(run_->stamps[1], asked);
+    }
+
     std::vector<std::string> damaged{std::string(90, '\0'), whole + "x", "\r\n\r\n\r\n\r\n\r\n"};
     for (std::size_t size = 0; size < whole.size(); ++size)
         damaged.push_back(whole.substr(0, size));
