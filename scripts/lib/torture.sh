@@ -1,0 +1,403 @@
+# shellcheck shell=bash
+# The frame of scripts/torture: a counter is set up, its run disturbed, and what is left in the store
+# compared with what an undisturbed run leaves. Needs setup.sh, head-office-db.sh, head-office.sh.
+#
+#   torture_start DIR PROGRAMS   start the head office and make the references in DIR
+#   torture_case NAME            run case_NAME (with _ for -) and remember its row of the table
+#   torture_table                print the table; false if any case has failed
+#   torture_stop                 end everything that still runs
+#
+# A case is a function of tries, which are written with:
+#
+#   try_begin LABEL [ENGINE [START]]   a new counter: TRY its folder, COUNTER the program's, STORE its
+#                                store, CONFIG the settings' folder, LABEL for people. ENGINE is
+#                                embedded (default) or odbc, START incremental (default) or full
+#   window_start [VARIABLE=VALUE ...]  start the program; WINDOW is its process
+#   window_wait [SECONDS]        until it has closed, or stays open (then it is ended): OUTCOME is
+#                                closed, open (a log says why), silent (no log does), died or late
+#   window_kill, window_end      SIGKILL, and wait; SIGTERM, and set ENDED_AFTER (milliseconds)
+#   wait_for_batch, wait_for_commit    until the store's transaction has begun, its stamps have moved
+#   hold_start COMMAND ..., hold_say TEXT, hold_end
+#                                a process fed by what is said, for locks; what it answers is in $TRY/held
+#   judge STATE ...              compare the store: STATE must be one of these, or `any`
+#   repair SQL                   what a technician does to the store
+#   mend                         one more run, undisturbed, must leave exactly `new`
+#   wrong TEXT                   the try has failed
+#   try_end
+#
+# States, all from real runs of this invocation: old, new; batch (neither swept nor the store's own
+# settings), batch-swept, batch-settings; emptied (a full reload has deleted the menu); missing;
+# broken (none of these). Stamps count as moved, kept or blank.
+
+# Read by the cases.
+# shellcheck disable=SC2034
+ALL_BETWEEN='batch batch-swept batch-settings emptied'
+
+torture__dir=''
+torture__programs=''
+torture__rows=()
+torture__failures=()
+torture__mounted=()
+torture__holder=''
+declare -A torture__running=() # process ids
+
+# ---- small things --------------------------------------------------------------------------------
+
+now_ms() { REPLY=${EPOCHREALTIME/[.,]/} REPLY=$((REPLY / 1000)); }
+
+# random N: REPLY is one of 0 .. N-1. Not in $( ), which would repeat the number.
+random() { REPLY=$(((RANDOM * 32768 + RANDOM) % ($1 > 0 ? $1 : 1))); }
+
+sleep_ms() { sleep "$(($1 / 1000)).$(printf '%03d' $(($1 % 1000)))"; }
+
+torture__say() { printf '== %s\n' "$*"; }
+
+is_running() { kill -0 "$1" 2> /dev/null; }
+
+# until_true SECONDS COMMAND ...: false if it never becomes true.
+until_true() {
+    local deadline
+    now_ms
+    deadline=$((REPLY + $1 * 1000))
+    shift
+    until "$@"; do
+        now_ms
+        ((REPLY < deadline)) || return 1
+        sleep 0.003
+    done
+}
+
+# Whatever runs in the background is known, so that nothing stays behind.
+torture__track() { torture__running[$1]=yes; }
+
+# reap PID: wait for an ended process of ours; its exit code.
+torture__reap() {
+    local code=0
+    wait "$1" 2> /dev/null || code=$?
+    unset "torture__running[$1]"
+    return "$code"
+}
+
+# ---- a counter -----------------------------------------------------------------------------------
+
+try_begin() {
+    LABEL=$1 ENGINE=${2:-embedded} START=${3:-incremental}
+    TRY=$torture__dir/tries/$CASE-$((++torture__tries))
+    COUNTER=$TRY/counter STORE=$TRY/counter/food.MDB CONFIG=$TRY/config
+    torture__wrong=''
+    torture__new_counter
+    cp "$torture__dir/references/$START/start.MDB" "$STORE"
+    cp "$torture__dir/settings.ini" "$CONFIG/quillet/"
+}
+
+torture__new_counter() {
+    mkdir -p "$COUNTER/log" "$CONFIG/quillet"
+    # The program's folder is that of its file; a link has one of its own and costs nothing.
+    ln "$torture__programs/quillet" "$COUNTER/" 2> /dev/null ||
+        cp "$torture__programs/quillet" "$COUNTER/"
+}
+
+wrong() {
+    local text="$CASE ($LABEL): $*"
+    torture__wrong=yes
+    torture__failures+=("$text")
+    printf '   %s\n' "$text"
+}
+
+try_end() {
+    if [[ -n $torture__wrong ]]; then
+        torture__failed=$((torture__failed + 1))
+        printf '   see %s\n' "$TRY"
+    else
+        rm -rf -- "$TRY"
+    fi
+}
+
+# A try that cannot be made here does not count.
+try_cancel() {
+    torture__tries=$((torture__tries - 1))
+    rm -rf -- "$TRY"
+}
+
+# takes: milliseconds of an undisturbed run from this try's start.
+takes() { REPLY=$(< "$torture__dir/references/$START/takes"); }
+
+start_of() { printf '%s\n' "$torture__dir/references/$1/start.MDB"; }
+
+mount_small() {
+    [[ $(id -u) == 0 ]] && mount -t tmpfs -o size=32k,mode=700 tmpfs "$1" 2> "$TRY/mount.log" ||
+        return 1
+    torture__mounted=("$1")
+}
+
+unmount_small() {
+    umount "${torture__mounted[@]}"
+    torture__mounted=()
+}
+
+# shellcheck disable=SC2120 # arguments are optional
+window_start() {
+    local odbc=$CHAIN_ODBCSYSINI
+    [[ $ENGINE == embedded ]] || odbc=$torture__dir/odbc
+    now_ms
+    torture__started=$REPLY
+    env ODBCSYSINI="$odbc" XDG_CONFIG_HOME="$CONFIG" QT_QPA_PLATFORM=offscreen "$@" \
+        "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
+    WINDOW=$!
+    torture__track "$WINDOW"
+}
+
+has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
+has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
+has_log() { has_download_log || has_daily_log; }
+
+# A process's used processor time, in ticks.
+torture__used() {
+    local stat fields
+    REPLY=gone
+    { read -r stat < "/proc/$1/stat"; } 2> /dev/null || return 0
+    read -r -a fields <<< "${stat##*) }"
+    REPLY=$((fields[11] + fields[12]))
+}
+
+# shellcheck disable=SC2119,SC2120 # arguments are optional
+window_wait() {
+    local give_up used='' quiet_since=0 quiet
+    now_ms
+    give_up=$((REPLY + ${1:-60} * 1000))
+    while is_running "$WINDOW"; do
+        sleep 0.02
+        torture__used "$WINDOW"
+        if [[ $REPLY != "$used" ]]; then
+            used=$REPLY
+            now_ms
+            quiet_since=$REPLY
+            continue
+        fi
+        now_ms
+        quiet=$((REPLY - quiet_since))
+        # A store that is locked, or an office that does not answer, makes a run as quiet as its end
+        # does; the longest such wait is the 5 s that the store's engine waits for a lock.
+        if ((quiet > 2000)) && has_log; then
+            OUTCOME=open
+        elif ((quiet > 15000)); then
+            OUTCOME=silent
+        elif ((REPLY > give_up)); then
+            OUTCOME=late
+        else
+            continue
+        fi
+        window_end
+        return 0
+    done
+    OUTCOME=closed
+    torture__reap "$WINDOW" || OUTCOME=died
+    now_ms
+    TOOK=$((REPLY - torture__started))
+}
+
+window_kill() {
+    OUTCOME=killed
+    kill -KILL "$WINDOW" 2> /dev/null || OUTCOME=closed # it was faster
+    torture__reap "$WINDOW" || true
+}
+
+# shellcheck disable=SC2120 # arguments are optional
+window_end() {
+    local asked
+    now_ms
+    asked=$REPLY
+    kill -TERM "$WINDOW" 2> /dev/null || true
+    if until_true "${1:-5}" torture__is_gone "$WINDOW"; then
+        now_ms
+        ENDED_AFTER=$((REPLY - asked))
+    else
+        ENDED_AFTER=never
+        kill -KILL "$WINDOW" 2> /dev/null || true
+    fi
+    torture__reap "$WINDOW" || true
+}
+
+torture__is_gone() { ! is_running "$1"; }
+
+torture__stamps_of() { sqlite3 -cmd '.timeout 0' "$STORE" 'SELECT * FROM UPD' 2> /dev/null; }
+
+torture__batch_runs() { [[ -e $STORE-journal || -e $STORE-wal ]] || ! is_running "$WINDOW"; }
+
+torture__has_committed() {
+    local stamps
+    is_running "$WINDOW" || return 0
+    stamps=$(torture__stamps_of) && [[ $stamps != "$torture__stamps" ]]
+}
+
+wait_for_batch() { until_true "${1:-20}" torture__batch_runs; }
+
+# Its stamps are those of the start until then.
+wait_for_commit() {
+    torture__stamps=$(sqlite3 "$torture__dir/references/$START/start.MDB" 'SELECT * FROM UPD')
+    until_true "${1:-20}" torture__has_committed
+}
+
+# Descriptor 9 keeps the holder's input open; nothing else may inherit it.
+hold_start() {
+    rm -f -- "$TRY/hold"
+    mkfifo "$TRY/hold"
+    "$@" < "$TRY/hold" > "$TRY/held" 2>&1 &
+    torture__holder=$!
+    torture__track "$torture__holder"
+    exec 9> "$TRY/hold"
+}
+
+# Ends with an answer, so that it is known to be done.
+hold_say() {
+    printf "%s;\nSELECT 'answered';\n" "$1" >&9
+    until_true 10 grep -qs answered "$TRY/held" || wrong "no answer to: $1"
+    : > "$TRY/held"
+}
+
+hold_end() {
+    [[ -n $torture__holder ]] || return 0
+    exec 9>&-
+    until_true 5 torture__is_gone "$torture__holder" || kill -KILL "$torture__holder" 2> /dev/null ||
+        true
+    torture__reap "$torture__holder" || true
+    torture__holder=''
+}
+
+hold_store() { hold_start sqlite3 -cmd '.timeout 5000' "$STORE" && hold_say 'BEGIN EXCLUSIVE'; }
+
+# The head office does not answer queries of a table until hold_end.
+hold_table() {
+    hold_start chain_db_sql --unbuffered --skip-column-names
+    hold_say "LOCK TABLES $1 WRITE"
+}
+
+# stays_open_with download|daily: the end that a failed run must have.
+stays_open_with() {
+    [[ $OUTCOME == open || $OUTCOME == silent ]] || wrong "the window did not stay open: $OUTCOME"
+    "has_$1_log" || wrong "no $1 log"
+}
+
+# ---- verdicts ----------------------------------------------------------------------------------
+
+judge() {
+    look
+    case $STATE in
+        old) torture__old=$((torture__old + 1)) ;;
+        new) torture__new=$((torture__new + 1)) ;;
+        missing | broken) torture__broken=$((torture__broken + 1)) ;;
+        *) torture__between=$((torture__between + 1)) ;;
+    esac
+    torture__judged=$((torture__judged + 1))
+    if [[ $STATE == broken ]]; then
+        wrong "the store is broken: $(torture__difference old); $(torture__difference new)"
+    elif [[ " $* " != *" $STATE "* && ! ($* == any && $STATE != missing) ]]; then
+        wrong "the store is $STATE, not one of: $*"
+    elif [[ $OUTCOME == closed && $STATE != new ]] && ! has_log; then
+        wrong "the window closed like after a success, with the store $STATE"
+    fi
+}
+
+repair() { sqlite3 -cmd '.timeout 5000' "$STORE" "$1"; }
+
+mend() {
+    local good=yes logs
+    torture__mends=$((torture__mends + 1))
+    for logs in log ZELMARO_LOG; do
+        [[ ! -e $COUNTER/$logs ]] || mv "$COUNTER/$logs" "$TRY/$logs-$torture__mends"
+    done
+    mkdir "$COUNTER/log"
+    window_start
+    window_wait
+    look
+    [[ $OUTCOME == closed ]] || { good='' && wrong "the next run did not succeed: $OUTCOME"; }
+    ! has_log || { good='' && wrong 'the next run wrote a log'; }
+    ! compgen -G "$COUNTER/food.before-receive.*" > /dev/null ||
+        { good='' && wrong 'the next run left its copy or its note'; }
+    [[ $STATE == new ]] ||
+        { good='' && wrong "the next run left the store $STATE: $(torture__difference new)"; }
+    [[ -z $good ]] || torture__mended=$((torture__mended + 1))
+}
+
+# ---- cases ---------------------------------------------------------------------------------------
+
+torture_case() {
+    local verdict=passed
+    CASE=$1
+    torture__say "$CASE"
+    torture__tries=0 torture__failed=0 torture__old=0 torture__new=0 torture__between=0
+    torture__broken=0 torture__judged=0 torture__mends=0 torture__mended=0 torture__notes=''
+    # The same moments whatever other cases are run.
+    RANDOM=$(printf '%s %s' "$SEED" "$CASE" | cksum | awk '{ print $1 % 32768 }')
+    "case_${CASE//-/_}"
+    ((torture__failed == 0)) || verdict="FAILED ($torture__failed)"
+    ((torture__tries > 0)) || verdict=skipped
+    torture__rows+=("$(printf '%-22s %5d %5d %5d %8d %7d %8s  %s' "$CASE" "$torture__tries" \
+        "$torture__old" "$torture__new" "$torture__between" "$torture__broken" \
+        "$torture__mended/$torture__mends" "$verdict$torture__notes")")
+}
+
+# note TEXT: something measured, for the table.
+note() { torture__notes+="; $*"; }
+
+# skip WHY: a part of the case cannot be done here.
+skip() {
+    note "skipped: $*"
+    printf '   skipped: %s\n' "$*"
+}
+
+torture_table() {
+    printf '\n%-22s %5s %5s %5s %8s %7s %8s  %s\n' case tries old new between broken mended verdict
+    printf '%s\n' "${torture__rows[@]}"
+    ((${#torture__failures[@]} == 0))
+}
+
+# ---- start and end -------------------------------------------------------------------------------
+
+torture_start() {
+    local start references
+    torture__dir=$1 torture__programs=$2
+    references=$torture__dir/references
+    mkdir -p "$references/incremental" "$references/full" "$torture__dir/runtime"
+    chmod 700 "$torture__dir/runtime"
+    export XDG_RUNTIME_DIR=$torture__dir/runtime
+    torture__write_driver
+
+    torture__say 'starting the head office'
+    chain_db_start "$torture__dir/db"
+    ODBCSYSINI=$CHAIN_ODBCSYSINI head_office_start "$torture__dir" \
+        "$torture__programs/quillet-headoffice" --port-file "$torture__dir/port"
+
+    torture__say 'making the references'
+    CASE=references torture__tries=0 torture__failed=0 torture__mends=0
+    head_office_settings > "$torture__dir/settings.ini"
+    "$torture__programs/quillet-new-store" "$references/incremental/start.MDB"
+    try_begin 'first receive'
+    torture__undisturbed
+    torture__use_store "$STORE"
+    cp "$STORE" "$references/incremental/start.MDB"
+    cp "$CONFIG/quillet/settings.ini" "$torture__dir/"
+    cp "$STORE" "$references/full/start.MDB"
+    sqlite3 "$references/full/start.MDB" "UPDATE UPD SET UPD_PR = '', UPD_CT = '', UPD_USR = '',
+        UPD_BAS = '', UPD_FN = ''"
+    try_end
+    torture__change_head_office
+    for start in incremental full; do
+        torture__references_of "$start"
+    done
+}
+
+# After a server that was stopped in mid case, too.
+torture_stop() {
+    local pid mounted
+    for pid in "${!torture__running[@]}"; do
+        kill -KILL "$pid" 2> /dev/null || true
+    done
+    exec 9>&-
+    for mounted in "${torture__mounted[@]}"; do
+        umount "$mounted" 2> /dev/null || true
+    done
+    [[ -z $head_office__pid ]] || kill -CONT "$head_office__pid" 2> /dev/null || true
+    head_office_stop
+    chain_db_stop
+}
