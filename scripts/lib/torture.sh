@@ -43,10 +43,11 @@ declare -A torture__running=() # process ids
 
 # ---- small things --------------------------------------------------------------------------------
 
-now_ms() { REPLY=${EPOCHREALTIME/[.,]/} REPLY=$((REPLY / 1000)); }
+# NOW, in milliseconds.
+now_ms() { NOW=${EPOCHREALTIME/[.,]/} NOW=$((NOW / 1000)); }
 
-# random N: REPLY is one of 0 .. N-1. Not in $( ), which would repeat the number.
-random() { REPLY=$(((RANDOM * 32768 + RANDOM) % ($1 > 0 ? $1 : 1))); }
+# random N: PICKED is one of 0 .. N-1. Not in $( ), which would repeat the number.
+random() { PICKED=$(((RANDOM * 32768 + RANDOM) % ($1 > 0 ? $1 : 1))); }
 
 sleep_ms() { sleep "$(($1 / 1000)).$(printf '%03d' $(($1 % 1000)))"; }
 
@@ -58,11 +59,11 @@ is_running() { kill -0 "$1" 2> /dev/null; }
 until_true() {
     local deadline
     now_ms
-    deadline=$((REPLY + $1 * 1000))
+    deadline=$((NOW + $1 * 1000))
     shift
     until "$@"; do
         now_ms
-        ((REPLY < deadline)) || return 1
+        ((NOW < deadline)) || return 1
         sleep 0.003
     done
 }
@@ -119,8 +120,19 @@ try_cancel() {
     rm -rf -- "$TRY"
 }
 
-# takes: milliseconds of an undisturbed run from this try's start.
-takes() { REPLY=$(< "$torture__dir/references/$START/takes"); }
+# in_quick VARIANT ONE ...: whether a variant is tried; with --quick only these are.
+in_quick() {
+    local variant=$1 one
+    [[ -n $QUICK ]] || return 0
+    shift
+    for one in "$@"; do
+        [[ $one != "$variant" ]] || return 0
+    done
+    return 1
+}
+
+# TAKES, milliseconds of an undisturbed run from this try's start.
+takes() { TAKES=$(< "$torture__dir/references/$START/takes"); }
 
 start_of() { printf '%s\n' "$torture__dir/references/$1/start.MDB"; }
 
@@ -140,7 +152,7 @@ window_start() {
     local odbc=$CHAIN_ODBCSYSINI
     [[ $ENGINE == embedded ]] || odbc=$torture__dir/odbc
     now_ms
-    torture__started=$REPLY
+    torture__started=$NOW
     env ODBCSYSINI="$odbc" XDG_CONFIG_HOME="$CONFIG" QT_QPA_PLATFORM=offscreen "$@" \
         "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
     WINDOW=$!
@@ -151,38 +163,38 @@ has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
 has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
 has_log() { has_download_log || has_daily_log; }
 
-# A process's used processor time, in ticks.
+# USED is a process's processor time, in ticks.
 torture__used() {
     local stat fields
-    REPLY=gone
+    USED=gone
     { read -r stat < "/proc/$1/stat"; } 2> /dev/null || return 0
     read -r -a fields <<< "${stat##*) }"
-    REPLY=$((fields[11] + fields[12]))
+    USED=$((fields[11] + fields[12]))
 }
 
 # shellcheck disable=SC2119,SC2120 # arguments are optional
 window_wait() {
     local give_up used='' quiet_since=0 quiet
     now_ms
-    give_up=$((REPLY + ${1:-60} * 1000))
+    give_up=$((NOW + ${1:-60} * 1000))
     while is_running "$WINDOW"; do
         sleep 0.02
         torture__used "$WINDOW"
-        if [[ $REPLY != "$used" ]]; then
-            used=$REPLY
+        if [[ $USED != "$used" ]]; then
+            used=$USED
             now_ms
-            quiet_since=$REPLY
+            quiet_since=$NOW
             continue
         fi
         now_ms
-        quiet=$((REPLY - quiet_since))
+        quiet=$((NOW - quiet_since))
         # A store that is locked, or an office that does not answer, makes a run as quiet as its end
         # does; the longest such wait is the 5 s that the store's engine waits for a lock.
-        if ((quiet > 2000)) && has_log; then
+        if ((quiet > 1200)) && has_log; then
             OUTCOME=open
         elif ((quiet > 15000)); then
             OUTCOME=silent
-        elif ((REPLY > give_up)); then
+        elif ((NOW > give_up)); then
             OUTCOME=late
         else
             continue
@@ -190,10 +202,10 @@ window_wait() {
         window_end
         return 0
     done
-    OUTCOME=closed
+    OUTCOME=closed ENDED_AFTER=0
     torture__reap "$WINDOW" || OUTCOME=died
     now_ms
-    TOOK=$((REPLY - torture__started))
+    TOOK=$((NOW - torture__started))
 }
 
 window_kill() {
@@ -206,11 +218,11 @@ window_kill() {
 window_end() {
     local asked
     now_ms
-    asked=$REPLY
+    asked=$NOW
     kill -TERM "$WINDOW" 2> /dev/null || true
     if until_true "${1:-5}" torture__is_gone "$WINDOW"; then
         now_ms
-        ENDED_AFTER=$((REPLY - asked))
+        ENDED_AFTER=$((NOW - asked))
     else
         ENDED_AFTER=never
         kill -KILL "$WINDOW" 2> /dev/null || true
@@ -272,8 +284,16 @@ hold_table() {
     hold_say "LOCK TABLES $1 WRITE"
 }
 
+# ended_within MILLISECONDS
+ended_within() {
+    if [[ $ENDED_AFTER == never ]] || ((ENDED_AFTER > $1)); then
+        wrong "SIGTERM ended it after $ENDED_AFTER ms, not within $1"
+    fi
+}
+
 # stays_open_with download|daily: the end that a failed run must have.
 stays_open_with() {
+    ended_within 3000
     [[ $OUTCOME == open || $OUTCOME == silent ]] || wrong "the window did not stay open: $OUTCOME"
     "has_$1_log" || wrong "no $1 log"
 }
@@ -301,7 +321,7 @@ judge() {
 repair() { sqlite3 -cmd '.timeout 5000' "$STORE" "$1"; }
 
 mend() {
-    local good=yes logs
+    local good=yes logs left
     torture__mends=$((torture__mends + 1))
     for logs in log ZELMARO_LOG; do
         [[ ! -e $COUNTER/$logs ]] || mv "$COUNTER/$logs" "$TRY/$logs-$torture__mends"
@@ -312,8 +332,9 @@ mend() {
     look
     [[ $OUTCOME == closed ]] || { good='' && wrong "the next run did not succeed: $OUTCOME"; }
     ! has_log || { good='' && wrong 'the next run wrote a log'; }
-    ! compgen -G "$COUNTER/food.before-receive.*" > /dev/null ||
-        { good='' && wrong 'the next run left its copy or its note'; }
+    left=$(find "$COUNTER" -mindepth 1 -maxdepth 1 -printf '%f\n' |
+        grep -vxE 'quillet|quillet.lock|food.MDB|log' | paste -sd' ') || true
+    [[ -z $left ]] || { good='' && wrong "the next run left $left"; }
     [[ $STATE == new ]] ||
         { good='' && wrong "the next run left the store $STATE: $(torture__difference new)"; }
     [[ -z $good ]] || torture__mended=$((torture__mended + 1))
@@ -322,7 +343,7 @@ mend() {
 # ---- cases ---------------------------------------------------------------------------------------
 
 torture_case() {
-    local verdict=passed
+    local verdict=passed began=$SECONDS
     CASE=$1
     torture__say "$CASE"
     torture__tries=0 torture__failed=0 torture__old=0 torture__new=0 torture__between=0
@@ -332,9 +353,10 @@ torture_case() {
     "case_${CASE//-/_}"
     ((torture__failed == 0)) || verdict="FAILED ($torture__failed)"
     ((torture__tries > 0)) || verdict=skipped
-    torture__rows+=("$(printf '%-22s %5d %5d %5d %8d %7d %8s  %s' "$CASE" "$torture__tries" \
+    torture__rows+=("$(printf '%-22s %5d %5d %5d %8d %7d %8s %6d  %s' "$CASE" "$torture__tries" \
         "$torture__old" "$torture__new" "$torture__between" "$torture__broken" \
-        "$torture__mended/$torture__mends" "$verdict$torture__notes")")
+        "$torture__mended/$torture__mends" $((SECONDS - began)) \
+        "$verdict$torture__notes")")
 }
 
 # note TEXT: something measured, for the table.
@@ -347,7 +369,8 @@ skip() {
 }
 
 torture_table() {
-    printf '\n%-22s %5s %5s %5s %8s %7s %8s  %s\n' case tries old new between broken mended verdict
+    printf '\n%-22s %5s %5s %5s %8s %7s %8s %6s  %s\n' case tries old new between broken \
+        mended s verdict
     printf '%s\n' "${torture__rows[@]}"
     ((${#torture__failures[@]} == 0))
 }

@@ -7,6 +7,7 @@ cases+=(stamps-unreadable note-damaged)
 case_stamps_unreadable() {
     local engine damage repair stamp
     for engine in embedded odbc; do
+        in_quick "$engine" embedded || continue
         # Longer than the embedded engine waits.
         try_begin "locked for 7 s, $engine" "$engine"
         hold_store
@@ -18,8 +19,12 @@ case_stamps_unreadable() {
         mend
         try_end
 
-        stamp=$(sqlite3 "$(start_of incremental)" 'SELECT quote(UPD_FN) FROM UPD')
+    done
+    stamp=$(sqlite3 "$(start_of incremental)" 'SELECT quote(UPD_FN) FROM UPD')
+    for engine in embedded odbc; do
         for damage in 'ALTER TABLE UPD DROP COLUMN UPD_FN' 'ALTER TABLE UPD RENAME TO UPD_AWAY'; do
+            in_quick "$engine $damage" 'embedded ALTER TABLE UPD RENAME TO UPD_AWAY' \
+                'odbc ALTER TABLE UPD DROP COLUMN UPD_FN' || continue
             repair='ALTER TABLE UPD_AWAY RENAME TO UPD'
             [[ $damage != *COLUMN* ]] ||
                 repair="ALTER TABLE UPD ADD COLUMN UPD_FN TEXT; UPDATE UPD SET UPD_FN = $stamp"
@@ -57,7 +62,7 @@ case_note_damaged() {
             # Anywhere but between two lines.
             lines=$(stat -c %s "$note")
             random $((lines - 4))
-            truncate -s $((REPLY + 1)) "$note"
+            truncate -s $((PICKED + 1)) "$note"
             [[ $(tail -c 1 "$note" | tr -d '\n' | wc -c) == 1 ]] || truncate -s -3 "$note"
         fi
         window_start

@@ -7,26 +7,28 @@ cases+=(kills)
 kill_somewhere() {
     local pause
     random 3
-    pause=$REPLY
+    pause=$PICKED
+    # It receives thousands of rows.
+    [[ $START != full ]] || pause=$((pause / 2))
     case $1 in
         anywhere)
             # A run that pauses takes longer; what comes after its end is no kill.
             takes
-            random $((REPLY * (pause + 1) * 11 / 10))
+            random $((TAKES * (pause + 1) * 11 / 10))
             window_start QUILLET_DEMO_PAUSE="$pause"
-            sleep_ms "$REPLY"
+            sleep_ms "$PICKED"
             ;;
         batch)
             random 400
-            window_start QUILLET_DEMO_PAUSE=$((pause + 1))
+            window_start QUILLET_DEMO_PAUSE=2
             wait_for_batch || wrong 'no batch'
-            sleep_ms "$REPLY"
+            sleep_ms "$PICKED"
             ;;
         commit)
             random 30
             window_start QUILLET_DEMO_PAUSE="$pause"
             wait_for_commit || wrong 'no commit'
-            sleep_ms "$REPLY"
+            sleep_ms "$PICKED"
             ;;
         settings)
             # The last query is not answered, so that the run stands between its commit and its end.
@@ -34,7 +36,7 @@ kill_somewhere() {
             hold_table RCTBAS
             window_start QUILLET_DEMO_PAUSE="$pause"
             wait_for_commit || wrong 'no commit'
-            sleep_ms "$REPLY"
+            sleep_ms "$PICKED"
             ;;
     esac
     window_kill

@@ -15,6 +15,8 @@ case_settings_query_fails() {
     for engine in embedded odbc; do
         for start in incremental full; do
             for times in once twice; do
+                in_quick "$times $start $engine" 'once incremental embedded' \
+                    'twice incremental odbc' 'once full embedded' || continue
                 try_begin "$times, $start, $engine" "$engine" "$start"
                 [[ $times == once ]] || receive_without_settings
                 receive_without_settings
@@ -33,12 +35,13 @@ case_store_replaced() {
     local engine how
     for engine in embedded odbc; do
         for how in deleted replaced; do
+            in_quick "$how $engine" 'replaced embedded' 'deleted odbc' || continue
             try_begin "$how, $engine" "$engine"
             cp "$STORE" "$TRY/other.MDB"
             window_start QUILLET_DEMO_PAUSE=10
             wait_for_batch || wrong 'no batch'
             random 300
-            sleep_ms "$REPLY"
+            sleep_ms "$PICKED"
             if [[ $how == deleted ]]; then
                 rm -- "$STORE"
             else
@@ -58,6 +61,7 @@ case_sweep_fails() {
     local engine start
     for engine in embedded odbc; do
         for start in incremental full; do
+            in_quick "$start $engine" 'incremental embedded' 'full odbc' || continue
             try_begin "$start, $engine" "$engine" "$start"
             repair "CREATE TRIGGER no_sweep BEFORE UPDATE OF PRC_RCV ON PRC
                 WHEN NEW.PRC_RCV = '9' BEGIN SELECT RAISE(ABORT, 'not swept'); END"

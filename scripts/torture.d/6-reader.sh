@@ -12,23 +12,23 @@ read_beside() {
         if sqlite3 -cmd '.timeout 0' "$STORE" 'SELECT COUNT(*) FROM KIND' > /dev/null 2>&1; then
             READ=$((READ + 1))
             now_ms
-            refused=$((REPLY - ${refused_since:-$REPLY}))
+            refused=$((NOW - ${refused_since:-$NOW}))
             refused_since=''
             ((refused <= REFUSED)) || REFUSED=$refused
         elif [[ -z $refused_since ]]; then
             now_ms
-            refused_since=$REPLY
+            refused_since=$NOW
         fi
         sleep 0.1
     done
     now_ms
-    refused=$((REPLY - ${refused_since:-$REPLY}))
+    refused=$((NOW - ${refused_since:-$NOW}))
     ((refused <= REFUSED)) || REFUSED=$refused
 }
 
 case_reader() {
     local members=30000 many=quillet_test_many found
-    [[ -z $QUICK ]] || members=10000
+    [[ -z $QUICK ]] || members=8000
     chain_db_load "$many"
     {
         printf 'SET @members = %d, @products = 1000;\n' "$members"
