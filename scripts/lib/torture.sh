@@ -244,9 +244,12 @@ torture__has_committed() {
 
 wait_for_batch() { until_true "${1:-20}" torture__batch_runs; }
 
-# Its stamps are those of the start until then.
+# Its stamps are those of the start until then, or what was last looked at: never those of the store
+# itself, because reading it would roll back what a killed run has left.
 wait_for_commit() {
-    torture__stamps=$(sqlite3 "$torture__dir/references/$START/start.MDB" 'SELECT * FROM UPD')
+    local before=$TRY/probe/food.MDB
+    [[ -e $before ]] || before=$(start_of "$START")
+    torture__stamps=$(sqlite3 "$before" 'SELECT * FROM UPD')
     until_true "${1:-20}" torture__has_committed
 }
 

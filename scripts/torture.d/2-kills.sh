@@ -55,6 +55,8 @@ case_kills() {
         kill_somewhere "$aim"
         # shellcheck disable=SC2086 # several words
         judge old new $ALL_BETWEEN
+        # A run that is to mend what a killed one has left is killed as well.
+        ((i % 3 < 2)) || kill_somewhere "$aim"
         mend
         try_end
     done
