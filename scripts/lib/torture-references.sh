@@ -26,7 +26,8 @@ torture__write_dump_sql() {
         done < <(sqlite3 "$store" "SELECT name FROM pragma_table_info('$table') ORDER BY cid")
         echo "SELECT '$table'$columns FROM $table ORDER BY 1;"
     done < <(sqlite3 "$store" \
-        "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite%' ORDER BY 1")
+        "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE 'sqlite%'
+            ORDER BY 1")
 }
 
 # Of a copy, because looking at a store that a killed run has left rolls it back.
@@ -70,8 +71,10 @@ torture__change_head_office() {
 SET NAMES utf8mb4;
 SET @changed = NOW() + INTERVAL 1 SECOND;
 UPDATE BAS SET BAS_OP1 = '0330', BAS_DATE = @changed WHERE BAS_CODE = 'ZO06';
-UPDATE RCTBAS SET BAS_OP1 = '0430', BAS_DATE = @changed WHERE RCT_CODE = '1000' AND BAS_CODE = 'ZO06';
-UPDATE RCTBAS SET BAS_OP1 = 'N', BAS_DATE = @changed WHERE RCT_CODE = '1000' AND BAS_CODE = 'ZS03';
+UPDATE RCTBAS SET BAS_OP1 = '0430', BAS_DATE = @changed
+  WHERE RCT_CODE = '1000' AND BAS_CODE = 'ZO06';
+UPDATE RCTBAS SET BAS_OP1 = 'N', BAS_DATE = @changed
+  WHERE RCT_CODE = '1000' AND BAS_CODE = 'ZS03';
 REPLACE INTO RCTBAS (RCT_CODE, BAS_CODE, BAS_NAME1, BAS_NAME2, BAS_OP1, BAS_DATE)
   VALUES ('1000', 'ZS05', '홀 배치', '마당', '3', @changed);
 SQL
@@ -81,8 +84,8 @@ SQL
 # What only the store knows, and a receive must not touch: the order and visibility of categories,
 # hidden products, a product of its own.
 torture__use_store() {
-    local codes
-    codes=$(chain_db_sql --skip-column-names --execute="SELECT PR_CODE FROM PRR WHERE RCT_CODE = '1000'" |
+    local codes query="SELECT PR_CODE FROM PRR WHERE RCT_CODE = '1000'"
+    codes=$(chain_db_sql --skip-column-names --execute="$query" |
         sed "s/.*/'&'/" | paste -sd,)
     sqlite3 "$1" "UPDATE KIND SET KIND_ORDER = 200 - KIND_ORDER, KIND_VISIBLE = rowid % 3 = 0;
         UPDATE PR SET PR_VISIBLE = 1 WHERE rowid % 7 = 0 AND PR_CODE NOT IN ($codes);

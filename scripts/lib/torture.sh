@@ -1,6 +1,7 @@
 # shellcheck shell=bash
-# The frame of scripts/torture: a counter is set up, its run disturbed, and what is left in the store
-# compared with what an undisturbed run leaves. Needs setup.sh, head-office-db.sh, head-office.sh.
+# The frame of scripts/torture: a counter is set up, its run disturbed, and what is left in the
+# store compared with what an undisturbed run leaves. Needs setup.sh, head-office-db.sh,
+# head-office.sh, torture-window.sh and torture-references.sh.
 #
 #   torture_start DIR PROGRAMS   start the head office and make the references in DIR
 #   torture_case NAME            run case_NAME (with _ for -) and remember its row of the table
@@ -9,21 +10,30 @@
 #
 # A case is a function of tries, which are written with:
 #
-#   try_begin LABEL [ENGINE [START]]   a new counter: TRY its folder, COUNTER the program's, STORE its
-#                                store, CONFIG the settings' folder, LABEL for people. ENGINE is
-#                                embedded (default) or odbc, START incremental (default) or full
-#   window_start [VARIABLE=VALUE ...]  start the program; WINDOW is its process
-#   window_wait [SECONDS]        until it has closed, or stays open (then it is ended): OUTCOME is
-#                                closed, open (a log says why), silent (no log does), died or late
-#   window_kill, window_end      SIGKILL, and wait; SIGTERM, and set ENDED_AFTER (milliseconds)
-#   wait_for_batch, wait_for_commit    until the store's transaction has begun, its stamps have moved
-#   hold_start COMMAND ..., hold_say TEXT, hold_end
-#                                a process fed by what is said, for locks; what it answers is in $TRY/held
-#   judge STATE ...              compare the store: STATE must be one of these, or `any`
-#   repair SQL                   what a technician does to the store
-#   mend                         one more run, undisturbed, must leave exactly `new`
-#   wrong TEXT                   the try has failed
+#   try_begin LABEL [ENGINE [START]]
+#                            a new counter: TRY its folder, COUNTER the program's, STORE its store,
+#                            CONFIG the settings' folder, LABEL for people. ENGINE is embedded
+#                            (default) or odbc, START incremental (default) or full
+#   window_start [VARIABLE=VALUE ...]
+#                            start the program; WINDOW is its process
+#   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed, open
+#                            (a log says why), silent (no log does), died or late; TOOK if closed
+#   window_kill              SIGKILL, and wait
+#   window_end [SECONDS]     SIGTERM, and wait; ENDED_AFTER is in milliseconds, or never
+#   wait_for_batch, wait_for_commit
+#                            until the store's transaction has begun, its stamps have moved
+#   hold_store, hold_table TABLE, hold_end
+#                            lock the store; let the head office not answer queries of a table
+#   judge STATE ...          compare the store: STATE must be one of these, or `any`
+#   stays_open_with LOG, ended_within MILLISECONDS
+#                            the end that a run must have; LOG is download or daily
+#   repair SQL               what a technician does to the store
+#   mend                     one more run, undisturbed, must leave exactly `new` and nothing else
+#   wrong TEXT               the try has failed
 #   try_end
+#   skip WHY, note TEXT      for the table
+#   in_quick VARIANT ONE ... whether a variant is tried; with --quick only those named are
+#   random N                 PICKED is the seed's next number below N
 #
 # States, all from real runs of this invocation: old, new; batch (neither swept nor the store's own
 # settings), batch-swept, batch-settings; emptied (a full reload has deleted the menu); missing;
@@ -145,146 +155,6 @@ mount_small() {
 unmount_small() {
     umount "${torture__mounted[@]}"
     torture__mounted=()
-}
-
-# shellcheck disable=SC2120 # arguments are optional
-window_start() {
-    local odbc=$CHAIN_ODBCSYSINI
-    [[ $ENGINE == embedded ]] || odbc=$torture__dir/odbc
-    now_ms
-    torture__started=$NOW
-    env ODBCSYSINI="$odbc" XDG_CONFIG_HOME="$CONFIG" QT_QPA_PLATFORM=offscreen "$@" \
-        "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
-    WINDOW=$!
-    torture__track "$WINDOW"
-}
-
-has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
-has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
-has_log() { has_download_log || has_daily_log; }
-
-# USED is a process's processor time, in ticks.
-torture__used() {
-    local stat fields
-    USED=gone
-    { read -r stat < "/proc/$1/stat"; } 2> /dev/null || return 0
-    read -r -a fields <<< "${stat##*) }"
-    USED=$((fields[11] + fields[12]))
-}
-
-# shellcheck disable=SC2119,SC2120 # arguments are optional
-window_wait() {
-    local give_up used='' quiet_since=0 quiet
-    now_ms
-    give_up=$((NOW + ${1:-60} * 1000))
-    while is_running "$WINDOW"; do
-        sleep 0.02
-        torture__used "$WINDOW"
-        if [[ $USED != "$used" ]]; then
-            used=$USED
-            now_ms
-            quiet_since=$NOW
-            continue
-        fi
-        now_ms
-        quiet=$((NOW - quiet_since))
-        # A store that is locked, or an office that does not answer, makes a run as quiet as its end
-        # does; the longest such wait is the 5 s that the store's engine waits for a lock.
-        if ((quiet > 1200)) && has_log; then
-            OUTCOME=open
-        elif ((quiet > 15000)); then
-            OUTCOME=silent
-        elif ((NOW > give_up)); then
-            OUTCOME=late
-        else
-            continue
-        fi
-        window_end
-        return 0
-    done
-    OUTCOME=closed ENDED_AFTER=0
-    torture__reap "$WINDOW" || OUTCOME=died
-    now_ms
-    TOOK=$((NOW - torture__started))
-}
-
-window_kill() {
-    OUTCOME=killed
-    kill -KILL "$WINDOW" 2> /dev/null || OUTCOME=closed # it was faster
-    torture__reap "$WINDOW" || true
-}
-
-# shellcheck disable=SC2120 # arguments are optional
-window_end() {
-    local asked
-    now_ms
-    asked=$NOW
-    kill -TERM "$WINDOW" 2> /dev/null || true
-    if until_true "${1:-5}" torture__is_gone "$WINDOW"; then
-        now_ms
-        ENDED_AFTER=$((NOW - asked))
-    else
-        ENDED_AFTER=never
-        kill -KILL "$WINDOW" 2> /dev/null || true
-    fi
-    torture__reap "$WINDOW" || true
-}
-
-torture__is_gone() { ! is_running "$1"; }
-
-torture__stamps_of() { sqlite3 -cmd '.timeout 0' "$STORE" 'SELECT * FROM UPD' 2> /dev/null; }
-
-torture__batch_runs() { [[ -e $STORE-journal || -e $STORE-wal ]] || ! is_running "$WINDOW"; }
-
-torture__has_committed() {
-    local stamps
-    is_running "$WINDOW" || return 0
-    stamps=$(torture__stamps_of) && [[ $stamps != "$torture__stamps" ]]
-}
-
-wait_for_batch() { until_true "${1:-20}" torture__batch_runs; }
-
-# Its stamps are those of the start until then, or what was last looked at: never those of the store
-# itself, because reading it would roll back what a killed run has left.
-wait_for_commit() {
-    local before=$TRY/probe/food.MDB
-    [[ -e $before ]] || before=$(start_of "$START")
-    torture__stamps=$(sqlite3 "$before" 'SELECT * FROM UPD')
-    until_true "${1:-20}" torture__has_committed
-}
-
-# Descriptor 9 keeps the holder's input open; nothing else may inherit it.
-hold_start() {
-    rm -f -- "$TRY/hold"
-    mkfifo "$TRY/hold"
-    "$@" < "$TRY/hold" > "$TRY/held" 2>&1 &
-    torture__holder=$!
-    torture__track "$torture__holder"
-    exec 9> "$TRY/hold"
-}
-
-# Ends with an answer, so that it is known to be done.
-hold_say() {
-    printf "%s;\nSELECT 'answered';\n" "$1" >&9
-    until_true 10 grep -qs answered "$TRY/held" || wrong "no answer to: $1"
-    : > "$TRY/held"
-}
-
-hold_end() {
-    [[ -n $torture__holder ]] || return 0
-    exec 9>&-
-    until_true 5 torture__is_gone "$torture__holder" || kill -KILL "$torture__holder" 2> /dev/null ||
-        true
-    torture__reap "$torture__holder" || true
-    torture__holder=''
-}
-
-hold_store() { hold_start sqlite3 -cmd '.timeout 5000' "$STORE" && hold_say 'BEGIN EXCLUSIVE'; }
-
-# The head office does not answer queries of a table until hold_end.
-hold_table() {
-    hold_start chain_db_sql --unbuffered --skip-column-names
-    hold_say "LOCK TABLES $1 WRITE"
 }
 
 # ended_within MILLISECONDS

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# What the program goes by, its stamps and its note of them, cannot be read. That is never the same as
-# a store that was never received, whose menu is deleted.
+# What the program goes by, its stamps and its note of them, cannot be read. That is never the same
+# as a store that was never received, whose menu is deleted.
 # shellcheck disable=SC2153,SC2154 # what the frame sets
 cases+=(stamps-unreadable note-damaged)
 

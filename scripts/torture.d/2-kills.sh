@@ -55,8 +55,9 @@ case_kills() {
         kill_somewhere "$aim"
         # shellcheck disable=SC2086 # several words
         judge old new $ALL_BETWEEN
-        # A run that is to mend what a killed one has left is killed as well.
-        ((i % 3 < 2)) || kill_somewhere "$aim"
+        # A run that is to mend what a killed one has left is killed as well. Stamps are whole
+        # seconds: within one, nobody would see them move.
+        ((i % 3 < 2)) || { sleep 1.1 && kill_somewhere "$aim"; }
         mend
         try_end
     done

@@ -33,7 +33,8 @@ case_settings_file() {
         try_cancel
         return 0
     fi
-    sed '1,/^$/!d; s/^1차서버=/2차서버=/' "$torture__dir/settings.ini" > "$CONFIG/quillet/settings.ini"
+    sed '1,/^$/!d; s/^1차서버=/2차서버=/' "$torture__dir/settings.ini" \
+        > "$CONFIG/quillet/settings.ini"
     cp "$CONFIG/quillet/settings.ini" "$TRY/settings.before"
     dd if=/dev/zero of="$CONFIG/quillet/full" bs=4096 2> "$TRY/dd.log" || true
     window_start

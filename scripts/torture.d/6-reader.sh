@@ -3,8 +3,8 @@
 # shellcheck disable=SC2153,SC2154 # what the frame sets
 cases+=(reader)
 
-# Reads until the window has gone; sets REFUSED (milliseconds of the longest stretch without an answer)
-# and READ, how often it was answered.
+# Reads until the window has gone; sets REFUSED, milliseconds of the longest stretch without an
+# answer, and READ, how often it was answered.
 read_beside() {
     local refused_since='' refused
     REFUSED=0 READ=0

@@ -1,0 +1,145 @@
+# shellcheck shell=bash
+# The window of a try of torture.sh, which describes these functions: started, watched, ended, and
+# made to wait for a store or a head office that somebody else holds.
+
+# shellcheck disable=SC2034,SC2153,SC2154 # what torture.sh and a try set and read
+
+# shellcheck disable=SC2120 # arguments are optional
+window_start() {
+    local odbc=$CHAIN_ODBCSYSINI
+    [[ $ENGINE == embedded ]] || odbc=$torture__dir/odbc
+    now_ms
+    torture__started=$NOW
+    env ODBCSYSINI="$odbc" XDG_CONFIG_HOME="$CONFIG" QT_QPA_PLATFORM=offscreen "$@" \
+        "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
+    WINDOW=$!
+    torture__track "$WINDOW"
+}
+
+has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
+has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
+has_log() { has_download_log || has_daily_log; }
+
+# USED is a process's processor time, in ticks.
+torture__used() {
+    local stat fields
+    USED=gone
+    { read -r stat < "/proc/$1/stat"; } 2> /dev/null || return 0
+    read -r -a fields <<< "${stat##*) }"
+    USED=$((fields[11] + fields[12]))
+}
+
+# shellcheck disable=SC2119,SC2120 # arguments are optional
+window_wait() {
+    local give_up used='' quiet_since=0 quiet
+    now_ms
+    give_up=$((NOW + ${1:-60} * 1000))
+    while is_running "$WINDOW"; do
+        sleep 0.02
+        torture__used "$WINDOW"
+        if [[ $USED != "$used" ]]; then
+            used=$USED
+            now_ms
+            quiet_since=$NOW
+            continue
+        fi
+        now_ms
+        quiet=$((NOW - quiet_since))
+        # A store that is locked, or an office that does not answer, makes a run as quiet as its end
+        # does; the longest such wait is the 5 s that the store's engine waits for a lock.
+        if ((quiet > 1200)) && has_log; then
+            OUTCOME=open
+        elif ((quiet > 15000)); then
+            OUTCOME=silent
+        elif ((NOW > give_up)); then
+            OUTCOME=late
+        else
+            continue
+        fi
+        window_end
+        return 0
+    done
+    OUTCOME=closed ENDED_AFTER=0
+    torture__reap "$WINDOW" || OUTCOME=died
+    now_ms
+    TOOK=$((NOW - torture__started))
+}
+
+window_kill() {
+    OUTCOME=killed
+    kill -KILL "$WINDOW" 2> /dev/null || OUTCOME=closed # it was faster
+    torture__reap "$WINDOW" || true
+}
+
+# shellcheck disable=SC2120 # arguments are optional
+window_end() {
+    local asked
+    now_ms
+    asked=$NOW
+    kill -TERM "$WINDOW" 2> /dev/null || true
+    if until_true "${1:-5}" torture__is_gone "$WINDOW"; then
+        now_ms
+        ENDED_AFTER=$((NOW - asked))
+    else
+        ENDED_AFTER=never
+        kill -KILL "$WINDOW" 2> /dev/null || true
+    fi
+    torture__reap "$WINDOW" || true
+}
+
+torture__is_gone() { ! is_running "$1"; }
+
+torture__stamps_of() { sqlite3 -cmd '.timeout 0' "$STORE" 'SELECT * FROM UPD' 2> /dev/null; }
+
+torture__batch_runs() { [[ -e $STORE-journal || -e $STORE-wal ]] || ! is_running "$WINDOW"; }
+
+torture__has_committed() {
+    local stamps
+    is_running "$WINDOW" || return 0
+    stamps=$(torture__stamps_of) && [[ $stamps != "$torture__stamps" ]]
+}
+
+wait_for_batch() { until_true "${1:-20}" torture__batch_runs; }
+
+# Its stamps are those of the start until then, or what was last looked at: never those of the store
+# itself, because reading it would roll back what a killed run has left.
+wait_for_commit() {
+    local before=$TRY/probe/food.MDB
+    [[ -e $before ]] || before=$(start_of "$START")
+    torture__stamps=$(sqlite3 "$before" 'SELECT * FROM UPD')
+    until_true "${1:-20}" torture__has_committed
+}
+
+# Descriptor 9 keeps the holder's input open; nothing else may inherit it.
+hold_start() {
+    rm -f -- "$TRY/hold"
+    mkfifo "$TRY/hold"
+    "$@" < "$TRY/hold" > "$TRY/held" 2>&1 &
+    torture__holder=$!
+    torture__track "$torture__holder"
+    exec 9> "$TRY/hold"
+}
+
+# Ends with an answer, so that it is known to be done.
+hold_say() {
+    printf "%s;\nSELECT 'answered';\n" "$1" >&9
+    until_true 10 grep -qs answered "$TRY/held" || wrong "no answer to: $1"
+    : > "$TRY/held"
+}
+
+hold_end() {
+    [[ -n $torture__holder ]] || return 0
+    exec 9>&-
+    until_true 5 torture__is_gone "$torture__holder" ||
+        kill -KILL "$torture__holder" 2> /dev/null || true
+    torture__reap "$torture__holder" || true
+    torture__holder=''
+}
+
+hold_store() { hold_start sqlite3 -cmd '.timeout 5000' "$STORE" && hold_say 'BEGIN EXCLUSIVE'; }
+
+# The head office does not answer queries of a table until hold_end.
+hold_table() {
+    hold_start chain_db_sql --unbuffered --skip-column-names
+    hold_say "LOCK TABLES $1 WRITE"
+}
