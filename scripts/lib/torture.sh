@@ -16,8 +16,8 @@
 #                            (default) or odbc, START incremental (default) or full
 #   window_start [VARIABLE=VALUE ...]
 #                            start the program; WINDOW is its process
-#   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed, open
-#                            (a log says why), silent (no log does), died or late; TOOK if closed
+#   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed,
+#                            open (a log says why), silent (no log does), died or late; TOOK
 #   window_kill              SIGKILL, and wait
 #   window_end [SECONDS]     SIGTERM, and wait; ENDED_AFTER is in milliseconds, or never
 #   wait_for_batch, wait_for_commit
