@@ -3,6 +3,7 @@
 #include "app/Appearance.h"
 #include "app/widgets/FlatProgressBar.h"
 #include "app/widgets/GroupTile.h"
+#include "app/widgets/LastingScrollBar.h"
 #include "app/widgets/TouchButton.h"
 #include "sync/StatementSubject.h"
 
@@ -210,6 +211,8 @@ QWidget* WindowControls::failurePage() {
     reason->setReadOnly(true);
     reason->setTabChangesFocus(true);
     reason->setFrameShape(QFrame::NoFrame);
+    reason->setVerticalScrollBar(new LastingScrollBar);
+    reason->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     reason->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     reason->document()->setDocumentMargin(0);
     setTextSize(*reason, 22);

@@ -176,6 +176,53 @@ TEST_F(WindowTest, AFailedRunSaysWhyUntilTheNextOne) {
     EXPECT_THAT(reason(), HasSubstr("사용자 저장"));
 }
 
+/// A window of its own for one failure, as large as a screen of 800 by 600 has it.
+struct FailureWindow {
+    FailureWindow() {
+        window.setFixedSize(QSize(app::WindowControls::Width, app::WindowControls::Height) * Scale);
+        window.show();
+        QCoreApplication::processEvents();
+    }
+
+    static constexpr double Scale = 0.98 * 800 / app::WindowControls::Width;
+    QWidget window{nullptr, Qt::Window | Qt::FramelessWindowHint};
+    app::WindowControls controls{window, QStringLiteral("1.0.0"), Scale};
+};
+
+struct LayoutCounter : QObject {
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        count += event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize ? 1 : 0;
+        return false;
+    }
+    int count = 0;
+};
+
+TEST(FailureCardTest, ComesToRestHoweverLongItsTextIs) {
+    QString text;
+    for (int i = 0; i < 12; ++i)
+        text += QStringLiteral("INTO USR (USR_CODE,USR_NAME,USR_SEX) VALUES ('U%1','강한결',0) ")
+                    .arg(i);
+    for (int length = 1; length < 400; length += 2) {
+        FailureWindow failed;
+        failed.controls.showFailure(
+            {"사용자 저장", "-2147217900 : near …: syntax error", text.left(length).toStdString()});
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+        LayoutCounter idle;
+        qApp->installEventFilter(&idle);
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+        EXPECT_EQ(idle.count, 0) << length;
+    }
+}
+
+TEST(FailureCardTest, ShowsTheBeginningOfWhatIsTooLong) {
+    const std::string endless(1 << 20, '\'');
+    FailureWindow failed;
+    failed.controls.showFailure({endless, endless, endless});
+    EXPECT_LT(failed.controls.reason->toPlainText().size(), 1300);
+}
+
 TEST_F(WindowTest, ASecondWindowOnTheStoreReceivesNothing) {
     startAndFail();
     app::frm_Quillet second({counter_.settings, counter_.folder.path(), "1.0.0"});
