@@ -12,8 +12,9 @@ namespace quillet::receivers {
 /// @return the receive result flag.
 [[nodiscard]] bool ReceiveGlobalSettings(sync::Run& run);
 
-/// Brings this store's own settings that have changed since the run's stamp for them, which is older
-/// than the settings' one where some are still owed. They are written on their own after a run, so this one starts by emptying the statement array.
+/// Brings this store's own settings that have changed since the run's stamp for them, which is
+/// older than the settings' one where some are still owed. They are written on their own after a
+/// run, so this one starts by emptying the statement array.
 /// @return the receive result flag.
 [[nodiscard]] bool ReceiveStoreSettings(sync::Run& run);
 
