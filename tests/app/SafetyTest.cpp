@@ -48,6 +48,18 @@ protected:
 
     bool isThere(const char* name) const { return std::filesystem::exists(counter_.folder / name); }
 
+    /// Opens the window and closes it while it waits.
+    void closingEndsItAtOnce() {
+        counter_.open();
+        QTimer::singleShot(500, counter_.window.get(), [&] { counter_.window->close(); });
+        QElapsedTimer clock;
+        clock.start();
+        counter_.waitForEndOfRun();
+        EXPECT_FALSE(counter_.isWindowOpen());
+        EXPECT_LT(clock.elapsed(), 5000);
+        EXPECT_EQ(counter_.downloadLog(), "no file") << "nothing has failed";
+    }
+
     /// What the window's status line said at a moment.
     std::string statusAfter(int milliseconds) {
         QTest::qWait(milliseconds);
@@ -89,14 +101,7 @@ TEST_F(SafetyTest, AnotherProgramsLockIsWaitedForInALivingWindow) {
 
     // Nothing is written yet: whoever does not want to wait closes the window.
     ASSERT_EQ(pointOfSale.run("BEGIN EXCLUSIVE"), SQLITE_OK);
-    counter_.open();
-    QTimer::singleShot(500, counter_.window.get(), [&] { counter_.window->close(); });
-    QElapsedTimer clock;
-    clock.start();
-    counter_.waitForEndOfRun();
-    EXPECT_FALSE(counter_.isWindowOpen());
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_EQ(counter_.downloadLog(), "no file");
+    closingEndsItAtOnce();
 }
 
 TEST_F(SafetyTest, TheStoresOwnSettingsAreOwedUntilTheyAreWritten) {
@@ -200,14 +205,7 @@ TEST_F(SafetyTest, ClosingEndsACallAtOnceAndAnEmptiedMenuIsFilledFirst) {
         });
         counter_.settings.SaveSetting("HALDREN", "Settings", "1차서버", silent.address());
         counter_.settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", reported);
-        counter_.open();
-        QTimer::singleShot(500, counter_.window.get(), [&] { counter_.window->close(); });
-        QElapsedTimer clock;
-        clock.start();
-        counter_.waitForEndOfRun();
-        EXPECT_FALSE(counter_.isWindowOpen());
-        EXPECT_LT(clock.elapsed(), 5000);
-        EXPECT_EQ(counter_.downloadLog(), "no file") << "nothing has failed";
+        closingEndsItAtOnce();
         EXPECT_THAT(menu(), wholeMenu());
         EXPECT_FALSE(isThere("food.settings-owed.txt"));
     }
