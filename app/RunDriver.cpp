@@ -210,7 +210,9 @@ RunDriver::Result RunDriver::execute() {
         takeFailureDown();
     const bool whole = safeguard_.verify(committed);
     view_.setHourglass(false);
-    if (!committed && whole)
+    // A commit that was refused may have happened all the same; a statement's failure comes before
+    // it.
+    if (!committed && whole && run_.store().failedIndex() < run_.statements.size())
         owedSettings_.withdraw();
     if (!committed || !whole) {
         view_.PBar1(0).SetValue(0);

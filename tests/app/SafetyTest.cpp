@@ -168,10 +168,12 @@ TEST_F(SafetyTest, AStoreThatIsReplacedDuringTheBatchIsNoSuccess) {
     EXPECT_EQ(counter_.text("lbl_MSG"), "기초자료 수신 실패했습니다");
     EXPECT_THAT(counter_.dailyLog(), HasSubstr("replaced"));
     EXPECT_THAT(counter_.rows("SELECT UPD_PR FROM UPD"), ElementsAre("2026-01-01 00:00:00"));
+    EXPECT_TRUE(isThere("food.settings-owed.txt")) << "who knows what became of the commit";
     counter_.click("Cmd1(0)"); // opens the one that is there now
     counter_.waitForEndOfRun();
     EXPECT_FALSE(counter_.isWindowOpen());
     EXPECT_THAT(counter_.rows("SELECT COUNT(*) FROM KIND"), ElementsAre("22"));
+    EXPECT_FALSE(isThere("food.settings-owed.txt"));
 }
 
 TEST_F(SafetyTest, OneWindowForOneStoreWhateverItsName) {
