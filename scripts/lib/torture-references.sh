@@ -175,13 +175,8 @@ $(torture__difference new)"
 }
 
 torture__write_driver() {
-    local library
-    library=$(chain_db__library libsqlite3odbc libsqliteodbc)
     mkdir -p "$torture__dir/odbc"
-    "${CXX:-c++}" -std=c++20 -shared -fPIC "$setup__root/tests/support/StoreDriver_posix.cpp" \
-        -o "$torture__dir/odbc/libstore.so" -Wl,--no-as-needed "$library" \
-        -Wl,-rpath,"${library%/*}" -ldl
-    printf '[Microsoft Access Driver (*.mdb)]\nDriver=%s\n' "$torture__dir/odbc/libstore.so" \
+    printf '[Microsoft Access Driver (*.mdb)]\nDriver=%s\n' "$torture__tools/libtorture_driver.so" \
         > "$torture__dir/odbc/odbcinst.ini"
     : > "$torture__dir/odbc/odbc.ini"
 }

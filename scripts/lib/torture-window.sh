@@ -16,6 +16,29 @@ window_start() {
     torture__track "$WINDOW"
 }
 
+# faulty_start FAULT [VARIABLE=VALUE ...]
+faulty_start() {
+    local fault=$1
+    shift
+    rm -f -- "$TRY/report"
+    window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" \
+        TORTURE_FAULT="$fault" TORTURE_REPORT="$TRY/report" "$@"
+}
+
+# Whether the fault has come.
+was_hit() { grep -qs '^hit' "$TRY/report"; }
+
+is_stopped() {
+    local stat
+    { read -r stat < "/proc/$WINDOW/stat"; } 2> /dev/null || return 0
+    stat=${stat##*) }
+    [[ ${stat%% *} == [TZX] ]]
+}
+
+# Until `stop CALL N` has stopped it; false if it ended without.
+wait_for_stop() { until_true "${1:-20}" is_stopped && was_hit; }
+window_continue() { kill -CONT "$WINDOW"; }
+
 has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
 has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
 has_log() { has_download_log || has_daily_log; }
@@ -29,16 +52,25 @@ torture__used() {
     USED=$((fields[11] + fields[12]))
 }
 
+# Whether the window waits for nothing but a person: poll() without a limit (by its numbers on x86-64
+# and, as ppoll(), on AArch64).
+torture__is_idle() {
+    local call
+    read -r -a call 2> /dev/null < "/proc/$1/syscall" || return 1
+    [[ ${call[0]} == 7 && ${call[3]} == 0xffffffff || ${call[0]} == 73 && ${call[3]} == 0x0 ]]
+}
+
 # shellcheck disable=SC2119,SC2120 # arguments are optional
 window_wait() {
-    local give_up used='' quiet_since=0 quiet
+    local give_up used='' quiet_since=0 quiet idle=0
     now_ms
     give_up=$((NOW + ${1:-60} * 1000))
     while is_running "$WINDOW"; do
         sleep 0.02
         torture__used "$WINDOW"
+        if torture__is_idle "$WINDOW"; then idle=$((idle + 1)); else idle=0; fi
         if [[ $USED != "$used" ]]; then
-            used=$USED
+            used=$USED idle=0
             now_ms
             quiet_since=$NOW
             continue
@@ -46,11 +78,10 @@ window_wait() {
         now_ms
         quiet=$((NOW - quiet_since))
         # A store that is locked, or an office that does not answer, makes a run as quiet as its end
-        # does; the longest such wait is the 5 s that the store's engine waits for a lock.
-        if ((quiet > 1200)) && has_log; then
-            OUTCOME=open
-        elif ((quiet > 15000)); then
+        # does, but never idle.
+        if ((idle > 4 || quiet > 15000)); then
             OUTCOME=silent
+            ! has_log || OUTCOME=open
         elif ((NOW > give_up)); then
             OUTCOME=late
         else

@@ -3,7 +3,9 @@
 # store compared with what an undisturbed run leaves. Needs setup.sh, head-office-db.sh,
 # head-office.sh, torture-window.sh and torture-references.sh.
 #
-#   torture_start DIR PROGRAMS   start the head office and make the references in DIR
+#   torture_start DIR PROGRAMS TOOLS
+#                                start the head office and make the references in DIR; TOOLS has
+#                                what is built from tests/torture
 #   torture_case NAME            run case_NAME (with _ for -) and remember its row of the table
 #   torture_table                print the table; false if any case has failed
 #   torture_stop                 end everything that still runs
@@ -16,6 +18,11 @@
 #                            (default) or odbc, START incremental (default) or full
 #   window_start [VARIABLE=VALUE ...]
 #                            start the program; WINDOW is its process
+#   faulty_start FAULT [VARIABLE=VALUE ...]
+#                            start it with one call that goes wrong, as tests/torture/Fault.h says;
+#                            was_hit tells whether it came to that
+#   wait_for_stop, window_continue
+#                            until the fault `stop CALL N` has stopped it; let it go on
 #   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed,
 #                            open (a log says why), silent (no log does), died or late; TOOK
 #   window_kill              SIGKILL, and wait
@@ -45,6 +52,7 @@ ALL_BETWEEN='batch batch-swept batch-settings emptied'
 
 torture__dir=''
 torture__programs=''
+torture__tools=''
 torture__rows=()
 torture__failures=()
 torture__mounted=()
@@ -252,7 +260,7 @@ torture_table() {
 
 torture_start() {
     local start references
-    torture__dir=$1 torture__programs=$2
+    torture__dir=$1 torture__programs=$2 torture__tools=$3
     references=$torture__dir/references
     mkdir -p "$references/incremental" "$references/full" "$torture__dir/runtime"
     chmod 700 "$torture__dir/runtime"

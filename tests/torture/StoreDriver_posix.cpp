@@ -2,7 +2,7 @@
 // plain one in what the counters' strings take for granted: the connection string names folder and
 // file apart, where SQLite's driver wants one `Database=`, and the look-ups join two codes with a
 // "+", which to SQLite is a sum. The driver manager finds every other function in SQLite's driver,
-// to which this one is linked. scripts/torture builds and registers it.
+// to which this one is linked. scripts/torture registers it.
 
 #include <sql.h>
 #include <sqlext.h>
