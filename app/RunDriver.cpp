@@ -224,10 +224,7 @@ RunDriver::Result RunDriver::execute() {
     view_.showPhase(RunPhase::Committed);
     sync::SweepReceivedRows(run_);
     run_.mustFinish = false; // what is left is owed, and noted as that
-    if (receiveStoreSettings()) {
-        owedSettings_.settle();
-        safeguard_.release();
-    }
+    receiveStoreSettings();
     return Result::Received;
 }
 
@@ -243,14 +240,24 @@ void RunDriver::takeFailureDown() {
 }
 
 /// Outside the run's transaction: the base data is in the store, whatever comes of this.
-/// @return whether nothing is owed any more.
-bool RunDriver::receiveStoreSettings() {
-    if (!receivers::ReceiveStoreSettings(run_))
-        return fail("매장별설정자료 수신 실패했습니다");
+void RunDriver::receiveStoreSettings() {
+    constexpr const char* SettingsFailed = "매장별설정자료 수신 실패했습니다";
+    if (!receivers::ReceiveStoreSettings(run_)) {
+        fail(SettingsFailed);
+        return;
+    }
     run_.store().PUT_DATA_DEL(run_.statements);
-    if (run_.store().Status() != 1)
+    if (run_.store().Status() != 1) {
         run_.logBatchFailure(receivers::StoreSettingsTitle);
-    return run_.store().Status() == 1;
+        return;
+    }
+    const bool settled =
+        sync::guardReceiver(run_, sync::StoreTitle, [&](std::size_t& /*handledRows*/) {
+            safeguard_.confirm();
+            owedSettings_.settle();
+        });
+    if (!settled)
+        fail(SettingsFailed);
 }
 
 } // namespace quillet::app

@@ -33,7 +33,7 @@ private:
     bool prepareBatch();
     Result execute();
     void takeFailureDown();
-    bool receiveStoreSettings();
+    void receiveStoreSettings();
     bool fail(const char* text);
 
     sync::Run& run_;

@@ -10,4 +10,8 @@ namespace quillet::db {
 /// @throws Error 75 when that cannot be done; its description names the file and the reason.
 void writeDurably(const std::filesystem::path& file, std::string_view bytes);
 
+/// Brings what anybody has written to a file, and its name, to the disk.
+/// @throws Error 75 when that cannot be done.
+void bringToDisk(const std::filesystem::path& file);
+
 } // namespace quillet::db

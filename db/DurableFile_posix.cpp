@@ -47,6 +47,15 @@ int writeNew(const std::filesystem::path& file, std::string_view bytes) {
     return ::fsync(target.get()) == 0 ? 0 : errno;
 }
 
+/// The name of a file is on the disk when its folder is.
+/// @return 0, or why not. Some file systems have no such call, and need none.
+int bringNameToDisk(const std::filesystem::path& file) {
+    const Descriptor folder(file.parent_path().empty() ? "." : file.parent_path(), O_RDONLY);
+    const bool done =
+        folder.get() < 0 || ::fsync(folder.get()) == 0 || errno == EINVAL || errno == EROFS;
+    return done ? 0 : errno;
+}
+
 } // namespace
 
 void writeDurably(const std::filesystem::path& file, std::string_view bytes) {
@@ -59,11 +68,16 @@ void writeDurably(const std::filesystem::path& file, std::string_view bytes) {
         ::unlink(unfinished.c_str());
         fail(file, reason);
     }
-    // The new name is on the disk when the folder is. Some file systems have no such call, and need
-    // none.
-    const Descriptor folder(file.parent_path().empty() ? "." : file.parent_path(), O_RDONLY);
-    if (folder.get() >= 0 && ::fsync(folder.get()) != 0 && errno != EINVAL && errno != EROFS)
+    if (const int nameless = bringNameToDisk(file); nameless != 0)
+        fail(file, nameless);
+}
+
+void bringToDisk(const std::filesystem::path& file) {
+    const Descriptor written(file, O_RDONLY);
+    if (written.get() < 0 || ::fsync(written.get()) != 0)
         fail(file, errno);
+    if (const int nameless = bringNameToDisk(file); nameless != 0)
+        fail(file, nameless);
 }
 
 } // namespace quillet::db

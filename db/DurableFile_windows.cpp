@@ -25,6 +25,11 @@ bool writeNew(const std::filesystem::path& file, std::string_view bytes) {
     return done;
 }
 
+[[noreturn]] void fail(const std::filesystem::path& file, DWORD reason) {
+    throw Error(number::FileAccess, "Path/File access error: " + textOf(file) + ": system error " +
+                                        std::to_string(reason));
+}
+
 } // namespace
 
 void writeDurably(const std::filesystem::path& file, std::string_view bytes) {
@@ -36,8 +41,21 @@ void writeDurably(const std::filesystem::path& file, std::string_view bytes) {
         return;
     const DWORD reason = GetLastError();
     DeleteFileW(unfinished.c_str());
-    throw Error(number::FileAccess, "Path/File access error: " + textOf(file) + ": system error " +
-                                        std::to_string(reason));
+    fail(file, reason);
+}
+
+/// A file's unwritten bytes are the file's, not the handle's through which they came
+/// (learn.microsoft.com, FlushFileBuffers; it asks for the right to write).
+void bringToDisk(const std::filesystem::path& file) {
+    const HANDLE written = CreateFileW(file.c_str(), GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (written == INVALID_HANDLE_VALUE)
+        fail(file, GetLastError());
+    const DWORD reason = FlushFileBuffers(written) != 0 ? ERROR_SUCCESS : GetLastError();
+    CloseHandle(written);
+    if (reason != ERROR_SUCCESS)
+        fail(file, reason);
 }
 
 } // namespace quillet::db

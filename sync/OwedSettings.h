@@ -26,8 +26,8 @@ public:
     /// @throws db::Error 75 when it cannot be brought to the disk: the commit must not come then.
     void note(const std::string& stamp);
 
-    /// After a batch that is known to have been rolled back: what note() has noted goes. What is owed from an earlier
-    /// run stays.
+    /// After a batch that is known to have been rolled back: what note() has noted goes. What is
+    /// owed from an earlier run stays.
     void withdraw() const noexcept;
 
     /// They are written.

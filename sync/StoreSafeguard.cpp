@@ -1,5 +1,6 @@
 #include "sync/StoreSafeguard.h"
 
+#include "db/DurableFile.h"
 #include "db/Paths.h"
 #include "sync/LeadingNumber.h"
 #include "sync/Receiver.h"
@@ -108,6 +109,7 @@ void StoreSafeguard::copyStore() const {
         }
         to.close();
     }
+    db::bringToDisk(unfinishedCopy_);
     std::filesystem::rename(unfinishedCopy_, copy_);
 }
 
@@ -115,9 +117,14 @@ void StoreSafeguard::noteStamps() const {
     note_.write({run_.stamps.begin(), run_.stamps.end()});
 }
 
-void StoreSafeguard::release() const {
+void StoreSafeguard::confirm() const {
     if (file_.empty())
         return;
+    db::bringToDisk(file_);
+    release();
+}
+
+void StoreSafeguard::release() const {
     note_.remove();
     std::error_code unimportant;
     std::filesystem::remove(copy_, unimportant);

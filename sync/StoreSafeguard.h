@@ -41,7 +41,7 @@ public:
     /// @throws db::Error when the store cannot be read.
     void expectRows();
 
-    /// After the batch. What was noted stays after a commit, until release().
+    /// After the batch. What was noted stays after a commit, until confirm().
     /// @param committed whether the engine says that it is written.
     /// @return whether the store holds all of it, or nothing. If not, the run's failure says what
     ///         was found.
@@ -50,13 +50,16 @@ public:
     /// After a run that ended before its batch.
     void abandon();
 
-    /// After a run that is known to be good to its end: copy and note go.
-    void release() const;
+    /// After a run that is known to be good to its end: copy and note go, once what its engine has
+    /// written is on the disk.
+    /// @throws db::Error 75 when it cannot be brought there; then both stay.
+    void confirm() const;
 
 private:
     std::string whatIsMissing(const std::optional<Stamps>& stamps) const;
     void report(const std::string& finding);
     void attempt(void (StoreSafeguard::*precaution)() const) const;
+    void release() const;
     void noteStamps() const;
     void copyStore() const;
 

@@ -63,6 +63,9 @@ SqliteDatabase openStore(const std::filesystem::path& file) {
     // What a transaction changes stays in memory until its commit: written out before, it would
     // keep everybody else from reading until then (sqlite.org/pragma.html#pragma_cache_spill).
     sqlite3_exec(opened, "PRAGMA cache_spill=OFF", nullptr, nullptr, nullptr);
+    // A commit is the removal of the journal. It is on the disk before we go by it and take back
+    // the note of what was owed (sqlite.org/pragma.html#pragma_synchronous).
+    sqlite3_exec(opened, "PRAGMA synchronous=EXTRA", nullptr, nullptr, nullptr);
     addAccessFunctions(opened);
     return database;
 }

@@ -86,7 +86,7 @@ protected:
         const bool committed = store_->Status() == 1;
         const bool whole = safeguard.verify(committed);
         if (committed && whole && settingsArrive_)
-            safeguard.release();
+            safeguard.confirm();
         return whole;
     }
 
