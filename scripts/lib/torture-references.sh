@@ -136,7 +136,7 @@ torture__references_of() {
     try_begin old embedded "$START"
     torture__dump
     mv "$TRY/dump" "$folder/old.dump"
-    if [[ $START == full ]]; then
+    if [[ $START != incremental ]]; then
         repair 'DELETE FROM PRO; DELETE FROM PRS; DELETE FROM PRC; DELETE FROM PR; DELETE FROM KIND'
         torture__dump
         mv "$TRY/dump" "$folder/emptied.dump"

@@ -89,7 +89,7 @@ window_wait() {
         fi
         window_end
         return 0
-    done
+    done 2> /dev/null # the shell tells of every process that is killed
     OUTCOME=closed ENDED_AFTER=0
     torture__reap "$WINDOW" || OUTCOME=died
     now_ms

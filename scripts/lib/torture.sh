@@ -15,7 +15,8 @@
 #   try_begin LABEL [ENGINE [START]]
 #                            a new counter: TRY its folder, COUNTER the program's, STORE its store,
 #                            CONFIG the settings' folder, LABEL for people. ENGINE is embedded
-#                            (default) or odbc, START incremental (default) or full
+#                            (default) or odbc, START incremental (default), full (a first
+#                            receive over an old menu) or first (into a new store)
 #   window_start [VARIABLE=VALUE ...]
 #                            start the program; WINDOW is its process
 #   faulty_start FAULT [VARIABLE=VALUE ...]
@@ -85,7 +86,7 @@ until_true() {
         now_ms
         ((NOW < deadline)) || return 1
         sleep 0.003
-    done
+    done 2> /dev/null # the shell tells of every process that is killed
 }
 
 # Whatever runs in the background is known, so that nothing stays behind.
@@ -153,6 +154,19 @@ in_quick() {
 
 # TAKES, milliseconds of an undisturbed run from this try's start.
 takes() { TAKES=$(< "$torture__dir/references/$START/takes"); }
+
+# calls CALL: CALLS is how many such calls an undisturbed run from this try's start makes.
+calls() {
+    local counted=$torture__dir/references/$START/$ENGINE.calls
+    if [[ ! -e $counted ]]; then
+        cp "$STORE" "$TRY/uncounted.MDB"
+        window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" \
+            TORTURE_REPORT="$counted"
+        window_wait
+        mv "$TRY/uncounted.MDB" "$STORE"
+    fi
+    CALLS=$(sed -n "s/^$1 //p" "$counted")
+}
 
 start_of() { printf '%s\n' "$torture__dir/references/$1/start.MDB"; }
 
@@ -291,7 +305,7 @@ torture_start() {
     local start references
     torture__dir=$1 torture__programs=$2 torture__tools=$3
     references=$torture__dir/references
-    mkdir -p "$references/incremental" "$references/full" "$torture__dir/runtime"
+    mkdir -p "$references"/{incremental,full,first} "$torture__dir/runtime"
     chmod 700 "$torture__dir/runtime"
     export XDG_RUNTIME_DIR=$torture__dir/runtime
     torture__write_driver
@@ -304,7 +318,8 @@ torture_start() {
     torture__say 'making the references'
     CASE=references torture__tries=0 torture__failed=0 torture__mends=0
     head_office_settings > "$torture__dir/settings.ini"
-    "$torture__programs/quillet-new-store" "$references/incremental/start.MDB"
+    "$torture__programs/quillet-new-store" "$references/first/start.MDB"
+    cp "$references/first/start.MDB" "$references/incremental/"
     try_begin 'first receive'
     torture__undisturbed
     torture__use_store "$STORE"
@@ -315,7 +330,7 @@ torture_start() {
         UPD_BAS = '', UPD_FN = ''"
     try_end
     torture__change_head_office
-    for start in incremental full; do
+    for start in incremental full first; do
         torture__references_of "$start"
     done
 }

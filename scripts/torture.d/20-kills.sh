@@ -1,63 +1,54 @@
 # shellcheck shell=bash
-# The program is gone from one moment to the next.
+# The program is gone from one moment to the next: at a time, and before a certain call.
 # shellcheck disable=SC2153,SC2154 # what the frame sets
 cases+=(kills)
 
-# kill_somewhere AIM
+# kill_somewhere WHERE: `anywhere` in an undisturbed run's time, in the `settings`' last query, which
+# is not answered, or before any one of a run's calls of a kind.
 kill_somewhere() {
-    local pause
-    random 3
-    pause=$PICKED
-    # It receives thousands of rows.
-    [[ $START != full ]] || pause=$((pause / 2))
     case $1 in
         anywhere)
-            # A run that pauses takes longer; what comes after its end is no kill.
             takes
-            random $((TAKES * (pause + 1) * 11 / 10))
-            window_start QUILLET_DEMO_PAUSE="$pause"
+            random $((TAKES * 11 / 10))
+            window_start
             sleep_ms "$PICKED"
-            ;;
-        batch)
-            random 400
-            window_start QUILLET_DEMO_PAUSE=2
-            wait_for_batch || wrong 'no batch'
-            sleep_ms "$PICKED"
-            ;;
-        commit)
-            random 30
-            window_start QUILLET_DEMO_PAUSE="$pause"
-            wait_for_commit || wrong 'no commit'
-            sleep_ms "$PICKED"
+            window_kill
             ;;
         settings)
-            # The last query is not answered, so that the run stands between its commit and its end.
-            random 200
             hold_table RCTBAS
-            window_start QUILLET_DEMO_PAUSE="$pause"
+            window_start
             wait_for_commit || wrong 'no commit'
+            random 100
             sleep_ms "$PICKED"
+            window_kill
+            hold_end
+            ;;
+        *)
+            calls "$1"
+            random "$CALLS"
+            LABEL+=" $((PICKED + 1))"
+            faulty_start "kill $1 $((PICKED + 1))"
+            window_wait
+            [[ $OUTCOME != died ]] || OUTCOME=killed
             ;;
     esac
-    window_kill
-    hold_end
 }
 
 case_kills() {
-    local i engine start aim
-    local aims=(anywhere batch commit settings batch anywhere settings commit)
+    local i engine start where
+    local places=(write statement sync write anywhere statement unlink write statement settings)
     local kinds=('embedded incremental' 'odbc incremental' 'embedded full' 'odbc full'
-        'embedded incremental' 'odbc incremental')
+        'embedded first' 'odbc first')
     for ((i = 0; i < KILLS; ++i)); do
-        read -r engine start <<< "${kinds[i % ${#kinds[@]}]}"
-        aim=${aims[(i / ${#kinds[@]} + i) % ${#aims[@]}]}
-        try_begin "$aim, $start, $engine" "$engine" "$start"
-        kill_somewhere "$aim"
+        where=${places[i % ${#places[@]}]}
+        read -r engine start <<< "${kinds[(i / ${#places[@]} + i) % ${#kinds[@]}]}"
+        try_begin "$where, $start, $engine" "$engine" "$start"
+        kill_somewhere "$where"
         # shellcheck disable=SC2086 # several words
         judge old new $ALL_BETWEEN
         # A run that is to mend what a killed one has left is killed as well. Stamps are whole
         # seconds: within one, nobody would see them move.
-        ((i % 3 < 2)) || { sleep 1.1 && kill_somewhere "$aim"; }
+        ((i % 3 < 2)) || { sleep 1.1 && kill_somewhere "$where"; }
         mend
         try_end
     done
