@@ -32,6 +32,7 @@
 #                            until the store's transaction has begun, its stamps have moved
 #   hold_store, hold_table TABLE, hold_end
 #                            lock the store; let the head office not answer queries of a table
+#   UNLOGGED=yes             the program can write no log
 #   judge STATE ...          compare the store: STATE must be one of these, or `any`
 #   stays_open_with LOG, ended_within MILLISECONDS
 #                            the end that a run must have; LOG is download or daily
@@ -106,7 +107,7 @@ try_begin() {
     LABEL=$1 ENGINE=${2:-embedded} START=${3:-incremental}
     TRY=$torture__dir/tries/$CASE-$((++torture__tries))
     COUNTER=$TRY/counter STORE=$TRY/counter/food.MDB CONFIG=$TRY/config
-    torture__wrong=''
+    torture__wrong='' UNLOGGED=''
     torture__new_counter
     cp "$torture__dir/references/$START/start.MDB" "$STORE"
     cp "$torture__dir/settings.ini" "$CONFIG/quillet/"
@@ -210,8 +211,10 @@ judge() {
         wrong "the store is broken: $(torture__difference old); $(torture__difference new)"
     elif [[ " $* " != *" $STATE "* && ! ($* == any && $STATE != missing) ]]; then
         wrong "the store is $STATE, not one of: $*"
-    elif [[ $OUTCOME == closed && $STATE != new ]] && ! has_log; then
+    elif [[ $OUTCOME == closed && $STATE != new && -z $UNLOGGED ]] && ! has_log; then
         wrong "the window closed like after a success, with the store $STATE"
+    elif [[ $OUTCOME == open && $STATE == new ]]; then
+        wrong 'the window says that the run has failed, and all of it is in the store'
     fi
 }
 

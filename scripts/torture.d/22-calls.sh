@@ -1,35 +1,91 @@
 # shellcheck shell=bash
-# Every call fails once.
+# One call after the other fails, and the same with all that come after it, until a run goes through
+# without.
 # shellcheck disable=SC2153,SC2154 # what the frame sets
-cases+=(failing-calls)
+cases+=(failing-calls failing-memory)
 
-# fail_from CALL ERROR ONCE: the n-th such call fails, for every n, until a run goes through without.
-fail_every() {
-    local call=$1 error=$2 duration=$3 n=1
-    while :; do
-        try_begin "$call $n, $error $duration, $ENGINE, $START" "$ENGINE" "$START"
-        faulty_start "fail $call $n $error $duration"
-        window_wait
-        if ! was_hit; then
-            [[ $OUTCOME == closed ]] || wrong "without a fault: $OUTCOME"
-            try_cancel
-            break
-        fi
-        [[ $OUTCOME != late && $OUTCOME != died ]] || wrong "$OUTCOME"
-        # shellcheck disable=SC2086 # several words
-        judge old new $ALL_BETWEEN
-        printf '%s %s %s\n' "$LABEL" "$OUTCOME" "$STATE" >> /tmp/calls.out
-        mend
-        try_end
-        n=$((n + 1))
-    done
-    printf '%s %s\n' "$call" $((n - 1))
+# Settings are saved, and a log's folder is made, by a run that has to.
+prepare_for() {
+    case $1 in
+        rename | mkdir) sed -i '/RCVVERSION\|TABLEUPDATE/d' "$CONFIG/quillet/settings.ini" ;;&
+        mkdir)
+            rmdir "$COUNTER/log"
+            repair "CREATE TRIGGER refuse BEFORE UPDATE ON UPD
+                BEGIN SELECT RAISE(ABORT, 'refused'); END"
+            ;;
+    esac
 }
 
-case_failing_calls() {
-    local ENGINE START call
-    for call in open write sync truncate rename unlink mkdir; do
-        ENGINE=embedded START=incremental
-        fail_every "$call" EIO ''
+# fail_every CALL ERROR [lasting]
+fail_every() {
+    local n step=1
+    # A tenth of them, from 1 on.
+    [[ -z $QUICK ]] || step=$([[ $1 == write ]] && echo 17 || echo 2)
+    for ((n = 1; ; n += step)); do
+        try_begin "$1 $n, $2 ${3:-once}, $engine, $start" "$engine" "$start"
+        prepare_for "$1"
+        faulty_start "fail $1 $n $2 ${3:-}"
+        window_wait
+        was_hit || break
+        [[ $OUTCOME != died && $OUTCOME != late ]] || wrong "the program: $OUTCOME"
+        [[ $OUTCOME != silent || $1 == mkdir || -n ${3:-} ]] || wrong 'no log says why it failed'
+        [[ $1 != mkdir ]] || repair 'DROP TRIGGER refuse'
+        # What is written to a log is lost then as well.
+        [[ -z ${3:-} ]] || UNLOGGED=yes
+        # shellcheck disable=SC2086 # several words
+        judge old new $ALL_BETWEEN
+        mend_kind
+        try_end
     done
+    [[ $OUTCOME == closed || $1 == mkdir ]] || wrong "without a fault: $OUTCOME"
+    ((n > 1)) || [[ $1 == truncate ]] || wrong "there is no such call"
+    [[ -n $torture__wrong ]] || try_cancel
+}
+
+# Reading fails once; writing also as on a full disk, which goes on to be full.
+case_failing_calls() {
+    local engine start call
+    for engine in embedded odbc; do
+        in_quick "$engine" embedded || continue
+        start=incremental
+        for call in write sync unlink rename mkdir open truncate read; do
+            in_quick "$call" write sync unlink || continue
+            fail_every "$call" EIO
+            [[ -n $QUICK || $call == read ]] || fail_every "$call" ENOSPC lasting
+        done
+        [[ -z $QUICK ]] || continue
+        fail_every write ENOSPC
+        start=full
+        fail_every write ENOSPC lasting
+        for call in sync unlink rename read; do
+            fail_every "$call" EIO
+        done
+        start=first
+        fail_every write EIO
+    done
+}
+
+# The window system and the toolkit end a program that has no memory left, wherever they need some.
+case_failing_memory() {
+    local i tries=120 died=0 engine
+    [[ -z $QUICK ]] || tries=2
+    for ((i = 0; i < tries; ++i)); do
+        engine=embedded
+        ((i % 3 < 2)) || engine=odbc
+        try_begin "$engine" "$engine"
+        calls memory
+        random "$CALLS"
+        LABEL+=", allocation $((PICKED + 1)) of $CALLS"
+        faulty_start "fail memory $((PICKED + 1)) ENOMEM"
+        window_wait
+        if [[ $OUTCOME == died ]]; then
+            OUTCOME=killed died=$((died + 1))
+        fi
+        [[ $OUTCOME != late ]] || wrong 'the program hangs'
+        # shellcheck disable=SC2086 # several words
+        judge old new $ALL_BETWEEN
+        mend_kind
+        try_end
+    done
+    note "$died of $tries ended the program"
 }
