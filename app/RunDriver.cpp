@@ -132,6 +132,7 @@ RunDriver::Result RunDriver::receive() {
     run_.DelList.assign(1, std::string());
     run_.failure.reset();
     run_.mustFinish = false;
+    run_.oldMenuRemains = false;
     if (!knowStamps())
         return Result::Failed;
     safeguard_.begin();
@@ -176,6 +177,8 @@ bool RunDriver::collect() {
         run_.groupCounts[group] = run_.upperBound() - sumBefore(run_.groupCounts, group);
     }
 
+    if (run_.oldMenuRemains)
+        sync::LeaveMenuStampBlank(run_, ticks);
     // Business information is deliberately outside the total.
     run_.RowTotal = sumBefore(run_.groupCounts, sync::Groups);
     return true;

@@ -40,8 +40,13 @@ void emptyMenuTables(sync::Run& run) {
                         " DELETE FROM PR   ", " DELETE FROM KIND "});
     // A store without a menu must not be left like that because somebody closes the window.
     run.mustFinish = true;
-    // Its status is deliberately not asked: what could not be emptied is looked up like any row.
     run.store().PUT_DATA_DEL(run.DelList);
+    // Deliberately no reason to stop: what could not be emptied is looked up like any row.
+    run.oldMenuRemains = run.store().Status() != 1;
+    if (run.oldMenuRemains) {
+        run.mustFinish = false;
+        run.logBatchFailure(CategoriesTitle);
+    }
 }
 
 } // namespace

@@ -29,21 +29,29 @@ std::string stampText(Run& run) {
     return ServerRs.Eof() ? db::dateTimeText(run.now()) : ServerRs.Item(0).toText();
 }
 
-std::string updateStatement(const Ticks& ticked, const std::string& stamp) {
+std::string updateStatement(const Ticks& ticked, const Stamps& stamps) {
     Items items;
     for (std::size_t i = 0; i < items.size(); ++i)
         if (ticked[i])
-            items[i] = std::string(Openings[i]) + stamp + "' ";
+            items[i] = std::string(Openings[i]) + stamps[i] + "' ";
     return " UPDATE UPD SET " + joined(items, ",");
 }
 
-std::string insertStatement(const Ticks& ticked, const std::string& stamp) {
+std::string insertStatement(const Ticks& ticked, const Stamps& stamps) {
     Items items;
     for (std::size_t i = 0; i < items.size(); ++i)
         if (ticked[i])
-            items[i] = stamp;
+            items[i] = stamps[i];
     return " INSERT INTO UPD (UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN) VALUES ('" +
            joined(items, "','") + "') ";
+}
+
+std::string stampStatement(const Run& run, const Ticks& ticked) {
+    Stamps stamps;
+    stamps.fill(run.newStamp);
+    if (run.oldMenuRemains)
+        stamps[static_cast<std::size_t>(Group::Menu)].clear();
+    return run.stampRowExists ? updateStatement(ticked, stamps) : insertStatement(ticked, stamps);
 }
 
 } // namespace
@@ -76,14 +84,17 @@ bool ReadStamps(Run& run) {
 bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title) {
     return guardReceiver(run, title, [&](std::size_t& /*handledRows*/) {
         run.newStamp = stampText(run);
-        std::string statement = run.stampRowExists ? updateStatement(ticked, run.newStamp)
-                                                   : insertStatement(ticked, run.newStamp);
+        std::string statement = stampStatement(run, ticked);
         QuoteGuard guard;
         for (auto times = std::count(ticked.begin(), ticked.end(), true); times > 0; --times)
             guard.add(run.newStamp);
         guard.require(statement);
         run.append(std::move(statement));
     });
+}
+
+void LeaveMenuStampBlank(Run& run, const Ticks& ticked) {
+    run.statements.at(1) = stampStatement(run, ticked);
 }
 
 } // namespace quillet::sync

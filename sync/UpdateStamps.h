@@ -37,4 +37,7 @@ std::optional<Stamps> storedStamps(db::VelkDBPro& store);
 /// @return false after a run-time error; nothing is appended then.
 [[nodiscard]] bool QueueStamps(Run& run, const Ticks& ticked, std::string_view title);
 
+/// Makes the statement that QueueStamps() has appended leave the menu's stamp blank.
+void LeaveMenuStampBlank(Run& run, const Ticks& ticked);
+
 } // namespace quillet::sync

@@ -46,12 +46,13 @@
 #   random N                 PICKED is the seed's next number below N
 #
 # States, all from real runs of this invocation: old, new; batch (neither swept nor the store's own
-# settings), batch-swept, batch-settings; batch-again (of a run that repeats one); emptied (a full reload has deleted the menu); missing;
+# settings), batch-swept, batch-settings; batch-again (of a run that repeats one); emptied (a full
+# reload has deleted the menu), unemptied (it could not, and is owed); missing;
 # broken (none of these). Stamps count as moved, kept or blank.
 
 # Read by the cases.
 # shellcheck disable=SC2034
-ALL_BETWEEN='batch batch-swept batch-settings batch-again emptied'
+ALL_BETWEEN='batch batch-swept batch-settings batch-again emptied unemptied'
 
 torture__dir=''
 torture__programs=''

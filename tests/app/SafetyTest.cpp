@@ -227,6 +227,21 @@ TEST_F(SafetyTest, ClosingEndsACallAtOnceAndAnEmptiedMenuIsFilledFirst) {
     EXPECT_THAT(menu(), ElementsAre("0101|1|0"));
 }
 
+TEST_F(SafetyTest, AnOldMenuThatCannotBeDeletedGoesWithTheNextReceive) {
+    receivedBefore();
+    counter_.store("UPDATE UPD SET UPD_PR = ''");
+    counter_.store("CREATE TRIGGER keep BEFORE DELETE ON PR BEGIN SELECT RAISE(ABORT,'no'); END");
+    counter_.start();
+    EXPECT_FALSE(counter_.isWindowOpen());
+    EXPECT_THAT(counter_.downloadLog(), HasSubstr("품목분류 자료수신"));
+    EXPECT_THAT(menu(), ElementsAre("0101|7|1", "0900|8|1", "P1|국밥|1"));
+    EXPECT_THAT(counter_.rows("SELECT UPD_PR = '', UPD_CT > '' FROM UPD"), ElementsAre("1|1"));
+    counter_.store("DROP TRIGGER keep");
+    counter_.start();
+    EXPECT_THAT(menu(), ElementsAre("0101|1|0"));
+    EXPECT_THAT(counter_.rows("SELECT UPD_PR > '' FROM UPD"), ElementsAre("1"));
+}
+
 TEST_F(SafetyTest, ASettingsFileThatCannotBeReadIsLeftAlone) {
     const auto file = counter_.folder / "settings.ini";
     const std::string good = tests::readFile(file);
