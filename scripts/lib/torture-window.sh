@@ -11,7 +11,7 @@ window_start() {
     now_ms
     torture__started=$NOW
     env ODBCSYSINI="$odbc" XDG_CONFIG_HOME="$CONFIG" QT_QPA_PLATFORM=offscreen "$@" \
-        "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
+        "${WINDOW_AS[@]}" "$COUNTER/quillet" > "$TRY/window.log" 2>&1 < /dev/null 9>&- &
     WINDOW=$!
     torture__track "$WINDOW"
 }
@@ -39,6 +39,42 @@ is_stopped() {
 wait_for_stop() { until_true "${1:-20}" is_stopped && was_hit; }
 window_continue() { kill -CONT "$WINDOW"; }
 
+stop_at() {
+    local number=1 words='' first=1
+    [[ $START != full ]] || first=2 # the old menu has been deleted
+    case $1 in
+        first) ;;
+        stamps) words='SELECT UPD_PR' ;;
+        collecting)
+            words='SELECT USR_CODE'
+            [[ $ENGINE != embedded ]] || words='SELECT [USR_CODE]'
+            ;;
+        batch) words=BEGIN number=$first ;;
+        middle) words='UPDATE PROP' number=10 ;;
+        commit) words=COMMIT number=$first ;;
+        sweep) words=BEGIN number=$((first + 1)) ;;
+        settings) words=BEGIN number=$((first + 2)) ;;
+        last) words=COMMIT number=$((first + 2)) ;;
+    esac
+    faulty_start "stop statement $number" TORTURE_WORDS="$words" "${@:2}"
+    wait_for_stop || wrong "it did not come to this: $1"
+}
+
+as_ourselves() { WINDOW_AS=(); }
+
+as_other_user() {
+    local runtime=$TRY/runtime-other
+    [[ $(id -u) == 0 ]] || return 1
+    mkdir -p "$runtime"
+    chmod 700 "$runtime"
+    # All that leads to the try, and all of it but the program, which may be a link.
+    chmod a+x "$torture__dir" "$torture__dir/tries"
+    find "$TRY" ! \( -type f -name quillet \) -exec chown 65534:65534 {} +
+    WINDOW_AS=(setpriv --reuid=65534 --regid=65534 --clear-groups
+        env HOME="$TRY" XDG_RUNTIME_DIR="$runtime")
+    "${WINDOW_AS[@]}" test -x "$COUNTER/quillet" -a -r "$torture__tools/libtorture_calls.so"
+}
+
 has_download_log() { compgen -G "$COUNTER/log/*.txt" > /dev/null; }
 has_daily_log() { compgen -G "$COUNTER/ZELMARO_LOG/*.TXT" > /dev/null; }
 has_log() { has_download_log || has_daily_log; }
@@ -52,12 +88,25 @@ torture__used() {
     USED=$((fields[11] + fields[12]))
 }
 
-# Whether the window waits for nothing but a person: poll() without a limit, or with one that is longer
-# than any that a run waits for at once (by its numbers on x86-64 and, as ppoll(), on AArch64).
+# Whether the window waits for nothing but a person: poll() without a limit, or with the half minute
+# after which Qt looks through its kept pictures (by its numbers on x86-64 and, as ppoll(), on
+# AArch64). A run never waits so long in one call.
 torture__is_idle() {
     local call
     read -r -a call 2> /dev/null < "/proc/$1/syscall" || return 1
-    [[ ${call[0]} == 7 && $((call[3])) -gt 5000 || ${call[0]} == 73 && ${call[3]} == 0x0 ]]
+    case ${call[0]} in
+        7) ((call[3] > 10000)) ;;
+        73) [[ ${call[3]} == 0x0 ]] ;;
+        *) return 1 ;;
+    esac
+}
+
+stands() {
+    local idle
+    for ((idle = 0; idle < 5; ++idle)); do
+        until_true 15 torture__is_idle "$1" || return 1
+        sleep 0.02
+    done
 }
 
 # shellcheck disable=SC2119,SC2120 # arguments are optional
@@ -108,6 +157,7 @@ window_end() {
     now_ms
     asked=$NOW
     kill -TERM "$WINDOW" 2> /dev/null || true
+    kill -CONT "$WINDOW" 2> /dev/null || true
     if until_true "${1:-5}" torture__is_gone "$WINDOW"; then
         now_ms
         ENDED_AFTER=$((NOW - asked))
@@ -153,8 +203,13 @@ hold_start() {
 
 # Ends with an answer, so that it is known to be done.
 hold_say() {
+    now_ms
+    ANSWERED_AFTER=$NOW
     printf "%s;\nSELECT 'answered';\n" "$1" >&9
-    until_true 10 grep -qs answered "$TRY/held" || wrong "no answer to: $1"
+    until_true "${2:-10}" grep -qs answered "$TRY/held" || wrong "no answer to: $1"
+    now_ms
+    ANSWERED_AFTER=$((NOW - ANSWERED_AFTER))
+    ! grep -qi error "$TRY/held" || wrong "$1: $(< "$TRY/held")"
     : > "$TRY/held"
 }
 
@@ -167,7 +222,15 @@ hold_end() {
     torture__holder=''
 }
 
-hold_store() { hold_start sqlite3 -cmd '.timeout 5000' "$STORE" && hold_say 'BEGIN EXCLUSIVE'; }
+hold_store() {
+    local take='BEGIN EXCLUSIVE'
+    case ${1:-} in
+        shared) take='BEGIN; SELECT COUNT(*) FROM KIND' ;;
+        reserved) take='BEGIN IMMEDIATE' ;;
+    esac
+    hold_start sqlite3 -cmd '.timeout 30000' "$STORE"
+    hold_say "$take"
+}
 
 # The head office does not answer queries of a table until hold_end.
 hold_table() {

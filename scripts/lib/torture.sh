@@ -24,14 +24,29 @@
 #                            was_hit tells whether it came to that
 #   wait_for_stop, window_continue
 #                            until the fault `stop CALL N` has stopped it; let it go on
+#   stop_at PHASE [VARIABLE=VALUE ...]
+#                            start it and stop it before its first statement (first), before it reads
+#                            its stamps (stamps), while it collects (collecting), before the batch
+#                            begins, in its middle and before its commit (batch, middle, commit),
+#                            before the transactions that follow begin (sweep, settings), and before
+#                            the last commit of all (last)
+#   stands PID               until a window waits for nothing but a person
+#   as_other_user, as_ourselves
+#                            from now on this try's windows are another user's, who may write
+#                            everything of the try (false where that cannot be); ours again
 #   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed,
 #                            open (a log says why), silent (no log does), died or late; TOOK
 #   window_kill              SIGKILL, and wait
-#   window_end [SECONDS]     SIGTERM, and wait; ENDED_AFTER is in milliseconds, or never
+#   window_end [SECONDS]     SIGTERM, which a stopped one gets as it goes on, and wait; ENDED_AFTER is
+#                            in milliseconds, or never
 #   wait_for_batch, wait_for_commit
 #                            until the store's transaction has begun, its stamps have moved
-#   hold_store, hold_table TABLE, hold_end
-#                            lock the store; let the head office not answer queries of a table
+#   hold_store [KIND], hold_table TABLE, hold_say SQL [SECONDS], hold_end
+#                            lock the store (shared, reserved, exclusive, which is the default); let
+#                            the head office not answer queries of a table; let the holder do
+#                            something, ANSWERED_AFTER milliseconds; let it go
+#   mount_small FOLDER [SIZE], unmount_small
+#                            a small disk; false where none can be mounted. The end of all of them
 #   UNLOGGED=yes             the program can write no log
 #   judge STATE ...          compare the store: STATE must be one of these, or `any`
 #   stays_open_with LOG, ended_within MILLISECONDS
@@ -109,6 +124,7 @@ try_begin() {
     TRY=$torture__dir/tries/$CASE-$((++torture__tries))
     COUNTER=$TRY/counter STORE=$TRY/counter/food.MDB CONFIG=$TRY/config
     torture__wrong='' UNLOGGED=''
+    as_ourselves
     torture__new_counter
     cp "$torture__dir/references/$START/start.MDB" "$STORE"
     cp "$torture__dir/settings.ini" "$CONFIG/quillet/"
@@ -172,14 +188,18 @@ calls() {
 
 start_of() { printf '%s\n' "$torture__dir/references/$1/start.MDB"; }
 
-mount_small() {
-    [[ $(id -u) == 0 ]] && mount -t tmpfs -o size=32k,mode=700 tmpfs "$1" 2> "$TRY/mount.log" ||
-        return 1
-    torture__mounted=("$1")
+torture__mount() {
+    [[ $(id -u) == 0 ]] && mount "$@" 2> "$TRY/mount.log" || return 1
+    torture__mounted=("${*: -1}" "${torture__mounted[@]}")
 }
 
+mount_small() { torture__mount -t tmpfs -o "size=${2:-32k},mode=755" tmpfs "$1"; }
+
 unmount_small() {
-    umount "${torture__mounted[@]}"
+    local mounted
+    for mounted in "${torture__mounted[@]}"; do
+        umount "$mounted"
+    done
     torture__mounted=()
 }
 
