@@ -14,6 +14,8 @@
 # chain_db_sql [ARGS]       the mariadb client as administrator, on $CHAIN_DB
 # chain_db_connection_string [DATABASE]
 #                           print the ODBC connection string of the chain's user
+# chain_db_kill             end the server from one moment to the next; what was written in the last
+#                           second may be lost. The next chain_db_start gets the same port
 # chain_db_stop [--delete]  stop the server; --delete also removes what it put into DIR
 #
 # All return 0, or 1 after a message on standard error. Safe under `set -euo pipefail`. Needs
@@ -38,6 +40,7 @@ chain_db__storage=(--loose-debug-no-sync --loose-innodb-flush-method=nosync --sy
 
 chain_db__dir=''
 chain_db__pid=''
+chain_db__port='' # of the next start, if it must be a certain one
 chain_db__watchdog=''
 chain_db__socket_dir=''
 chain_db__sql_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../headoffice/chain" && pwd)
@@ -171,7 +174,7 @@ chain_db__launch() {
     local server=$1 log=$chain_db__dir/server.log attempt deadline
     shift
     for attempt in {1..10}; do
-        CHAIN_PORT=$(chain_db__free_port)
+        CHAIN_PORT=${chain_db__port:-$(chain_db__free_port)}
         printf 'attempt %s: port %s\n' "$attempt" "$CHAIN_PORT" > "$log"
         "$server" --no-defaults "$@" --datadir="$chain_db__dir/data" \
             --tmpdir="$chain_db__dir/tmp" --socket="$CHAIN_SOCKET" \
@@ -323,6 +326,13 @@ chain_db_connection_string() {
     printf 'DRIVER={%s};SERVER=%s;PORT=%s;DATABASE=%s;UID=%s;PWD=%s;OPTION=16386\n' \
         "$CHAIN_DRIVER" "$CHAIN_HOST" "$CHAIN_PORT" "${1:-$CHAIN_DB}" "$CHAIN_USER" \
         "$CHAIN_PASSWORD"
+}
+
+chain_db_kill() {
+    kill -KILL "$chain_db__pid"
+    chain_db__reap
+    [[ -z $chain_db__socket_dir ]] || rm -rf -- "$chain_db__socket_dir"
+    chain_db__socket_dir='' chain_db__port=$CHAIN_PORT
 }
 
 # May be called at any time, any number of times, from traps too.

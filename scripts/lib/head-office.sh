@@ -4,6 +4,8 @@
 #
 #   head_office_start DIR COMMAND ...  start a server, which leaves its port in DIR/port; sets
 #                                      HEAD_OFFICE_PORT. What it prints is in DIR/head-office.log
+#   head_office_kill                   end it from one moment to the next; the next start gets the
+#                                      same port
 #   head_office_settings               print a counter's settings file
 #   head_office_stop                   end it, if it runs
 
@@ -13,12 +15,13 @@ HEAD_OFFICE_OBJECT=quorin.data
 HEAD_OFFICE_PORT=''
 
 head_office__pid=''
+head_office__port='' # of the next start, if it must be a certain one
 
 head_office_start() {
     local port_file=$1/port log=$1/head-office.log
     shift
     rm -f -- "$port_file"
-    "$@" --listen 127.0.0.1:0 --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
+    "$@" --listen "127.0.0.1:${head_office__port:-0}" --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
     head_office__pid=$!
     for _ in {1..300}; do
         [[ ! -s $port_file ]] && kill -0 "$head_office__pid" 2> /dev/null || break
@@ -39,6 +42,12 @@ DB서버=$CHAIN_HOST;PORT=$CHAIN_PORT
 DBName=$CHAIN_DB
 DBUser=$CHAIN_USER
 SETTINGS
+}
+
+head_office_kill() {
+    kill -KILL "$head_office__pid"
+    wait "$head_office__pid" 2> /dev/null || true
+    head_office__pid='' head_office__port=$HEAD_OFFICE_PORT
 }
 
 head_office_stop() {

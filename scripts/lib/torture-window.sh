@@ -128,7 +128,7 @@ window_wait() {
         quiet=$((NOW - quiet_since))
         # A store that is locked, or an office that does not answer, makes a run as quiet as its end
         # does, but never idle.
-        if ((idle > 3 || quiet > 15000)); then
+        if ((idle > 3 || quiet > ${WINDOW_QUIET:-15} * 1000)); then
             OUTCOME=silent
             ! has_log || OUTCOME=open
         elif ((NOW > give_up)); then

@@ -35,7 +35,8 @@
 #                            from now on this try's windows are another user's, who may write
 #                            everything of the try (false where that cannot be); ours again
 #   window_wait [SECONDS]    until it has closed, or stays open and is ended: OUTCOME is closed,
-#                            open (a log says why), silent (no log does), died or late; TOOK
+#                            open (a log says why), silent (no log does), died or late; TOOK.
+#                            WINDOW_QUIET seconds without processor time count as its end (15)
 #   window_kill              SIGKILL, and wait
 #   window_end [SECONDS]     SIGTERM, which a stopped one gets as it goes on, and wait; ENDED_AFTER is
 #                            in milliseconds, or never
@@ -173,8 +174,8 @@ in_quick() {
 # TAKES, milliseconds of an undisturbed run from this try's start.
 takes() { TAKES=$(< "$torture__dir/references/$START/takes"); }
 
-# calls CALL: CALLS is how many such calls an undisturbed run from this try's start makes.
-calls() {
+# count_of CALL: COUNT is how many such calls an undisturbed run from this try's start makes.
+count_of() {
     local counted=$torture__dir/references/$START/$ENGINE.calls
     if [[ ! -e $counted ]]; then
         cp "$STORE" "$TRY/uncounted.MDB"
@@ -183,7 +184,7 @@ calls() {
         window_wait
         mv "$TRY/uncounted.MDB" "$STORE"
     fi
-    CALLS=$(sed -n "s/^$1 //p" "$counted")
+    COUNT=$(sed -n "s/^$1 //p" "$counted")
 }
 
 start_of() { printf '%s\n' "$torture__dir/references/$1/start.MDB"; }
@@ -266,7 +267,7 @@ torture__found() {
     (
         printf '%s %s\n' "$ENGINE" "$START"
         cat "$TRY/dump"
-        cd "$TRY"
+        cd "$TRY" || exit
         find counter config -type f ! -name '*.TXT' ! -path '*/log/*' ! -name quillet \
             ! -name food.MDB ! -name 'food.MDB-*' -print0 | sort -z | xargs -0r md5sum
     ) | md5sum

@@ -24,8 +24,8 @@ kill_somewhere() {
             hold_end
             ;;
         *)
-            calls "$1"
-            random "$CALLS"
+            count_of "$1"
+            random "$COUNT"
             LABEL+=" $((PICKED + 1))"
             faulty_start "kill $1 $((PICKED + 1))"
             window_wait

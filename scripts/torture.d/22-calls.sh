@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # One call after the other fails, and the same with all that come after it, until a run goes through
 # without.
-# shellcheck disable=SC2153,SC2154 # what the frame sets
+# shellcheck disable=SC2034,SC2153,SC2154 # what the frame sets
 cases+=(failing-calls failing-memory)
 
 # Settings are saved, and a log's folder is made, by a run that has to.
@@ -73,9 +73,9 @@ case_failing_memory() {
         engine=embedded
         ((i % 3 < 2)) || engine=odbc
         try_begin "$engine" "$engine"
-        calls memory
-        random "$CALLS"
-        LABEL+=", allocation $((PICKED + 1)) of $CALLS"
+        count_of memory
+        random "$COUNT"
+        LABEL+=", allocation $((PICKED + 1)) of $COUNT"
         faulty_start "fail memory $((PICKED + 1)) ENOMEM"
         window_wait
         if [[ $OUTCOME == died ]]; then

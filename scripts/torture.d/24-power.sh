@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The power goes during a run: what it did to its files is written down, and files are made again of
 # which the last changes are lost, torn or in another order.
-# shellcheck disable=SC2153,SC2154 # what the frame sets
+# shellcheck disable=SC2034,SC2153,SC2154 # what the frame sets
 cases+=(power-cuts)
 
 power_cut() { "$torture__tools/torture_power_cut" "$@"; }
@@ -50,7 +50,7 @@ record() {
 }
 
 case_power_cuts() {
-    local i recorded=() scenario engine start seed state
+    local i recorded=() scenario engine start seed
     while read -r scenario engine start; do
         record "$scenario" "$engine" "$start"
         recorded+=("$RECORDED")
@@ -82,16 +82,17 @@ cut_power() {
     cp -r "$RECORDED/counter" "$RECORDED/config" "$TRY/"
     # shellcheck disable=SC2086 # perhaps nothing
     power_cut "$RECORDED" "$RECORDED/calls" "$TRY" "$1" $when > "$TRY/cut" || wrong 'no cut'
-    OUTCOME=cut
+    OUTCOME=killed
     LABEL+=", $(< "$TRY/cut")"
     [[ -z $when || $scenario == refused ]] || states=new
     [[ $scenario != refused ]] || repair 'DROP TRIGGER refuse'
     # shellcheck disable=SC2086 # several words
     judge $states
     # Lines come one by one; none is lost or half there.
-    ! grep -qvxFf "$CONFIG/quillet/settings.ini" "$RECORDED/config/quillet/settings.ini" &&
-        ! grep -qvxFf "$RECORDED/settings.after" "$CONFIG/quillet/settings.ini" ||
+    if grep -qvxFf "$CONFIG/quillet/settings.ini" "$RECORDED/config/quillet/settings.ini" ||
+        grep -qvxFf "$RECORDED/settings.after" "$CONFIG/quillet/settings.ini"; then
         wrong 'settings.ini is none of those that the run has written'
+    fi
     if [[ -e $COUNTER/food.before-receive.MDB ]]; then
         [[ -e $before ]] || before=$RECORDED/counter/food.MDB
         cmp -s "$COUNTER/food.before-receive.MDB" "$before" ||

@@ -28,7 +28,7 @@ read_beside() {
 
 case_reader() {
     local members=30000 many=quillet_test_many found
-    [[ -z $QUICK ]] || members=8000
+    [[ -z $QUICK ]] || members=4000
     chain_db_load "$many"
     {
         printf 'SET @members = %d, @products = 1000;\n' "$members"

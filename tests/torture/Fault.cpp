@@ -72,6 +72,8 @@ Plan::Action actionCalled(const char* name) {
 } // namespace
 
 void Fault::prepare() noexcept {
+    for (auto& count : counts) // what libraries did before does not count
+        count = 0;
     plan.report = std::getenv("TORTURE_REPORT");
     if (const char* const words = std::getenv("TORTURE_WORDS"))
         plan.words = words;

@@ -19,6 +19,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -341,6 +342,23 @@ int mkdir(const char* path, mode_t mode) noexcept {
 int clock_gettime(clockid_t clock, struct timespec* now) noexcept {
     const int result = REAL(clock_gettime)(clock, now);
     if (clock == CLOCK_REALTIME && result == 0) {
+        goesWrong(Call::Clock);
+        now->tv_sec += Fault::clockOffset();
+    }
+    return result;
+}
+
+time_t time(time_t* now) noexcept {
+    struct timespec seen {};
+    clock_gettime(CLOCK_REALTIME, &seen);
+    if (now != nullptr)
+        *now = seen.tv_sec;
+    return seen.tv_sec;
+}
+
+int gettimeofday(struct timeval* now, void* zone) noexcept {
+    const int result = REAL(gettimeofday)(now, zone);
+    if (result == 0) {
         goesWrong(Call::Clock);
         now->tv_sec += Fault::clockOffset();
     }
