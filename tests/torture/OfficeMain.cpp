@@ -3,7 +3,6 @@
 
 #include "tests/torture/FaultyOffice.h"
 
-#include <csignal>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -12,7 +11,6 @@
 using quillet::torture::FaultyOffice;
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);
     try {
         FaultyOffice::Plan plan;
         std::filesystem::path portFile;
