@@ -184,6 +184,7 @@ std::string frm_Quillet::storeFolder() const {
 
 void frm_Quillet::openStoreDatabase(bool& opened) {
     opened = false;
+    const std::string folder = storeFolder(); // start-up has its words for settings
     try {
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
             db::DailyLog(surroundings_.programFolder, surroundings_.clock),
@@ -192,7 +193,7 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
                 run_->observer().statementDone();
             },
             static_cast<db::WaitHandler*>(this));
-        db::DB_Control::StoreConnection->DBOpen(storeConnectionString(storeFolder()));
+        db::DB_Control::StoreConnection->DBOpen(storeConnectionString(folder));
         // A failed open deliberately counts as opened: the run then fails on its first store
         // statement, in the window's own words.
         opened = true;
