@@ -64,6 +64,19 @@ with_pages_free() {
     disk_end
 }
 
+with_read_only_disk() {
+    try_begin "a read-only disk, $START, $ENGINE" "$ENGINE" "$START"
+    counter_on_disk 64m || { without_disk && return 1; }
+    remount ro
+    window_start
+    window_wait
+    says_so old
+    [[ $OUTCOME == silent ]] || wrong "the window of a store that cannot be written is $OUTCOME"
+    remount rw
+    mend
+    disk_end
+}
+
 # From no room at all to enough, and some sizes between.
 case_full_disk() {
     local kind pages i
@@ -73,6 +86,7 @@ case_full_disk() {
         read -r ENGINE START <<< "$kind"
         if [[ -n $QUICK ]]; then
             with_pages_free 32 || return 0
+            with_read_only_disk
             continue
         fi
         FOUND='' pages=0
@@ -85,6 +99,7 @@ case_full_disk() {
             random $pages
             with_pages_free "$PICKED"
         done
+        with_read_only_disk
     done
     note_unsaid
 }
