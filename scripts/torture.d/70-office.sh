@@ -267,8 +267,30 @@ report_try() {
     try_end
 }
 
-# A try goes on while others are made.
+# A try goes on while others are made. Somebody has to wait for its window meanwhile: after a minute
+# of other processes its number may be another one's.
 declare -A aside=()
+window_aside() {
+    now_ms
+    torture__started=$NOW
+    {
+        window_start
+        echo "$WINDOW" > "$TRY/pid"
+        WINDOW_QUIET=150 window_wait 150
+        echo "$OUTCOME $ENDED_AFTER" > "$TRY/outcome"
+    } &
+    torture__track $!
+    until_true 10 test -s "$TRY/pid" || wrong 'no window'
+    WINDOW=$(< "$TRY/pid")
+    torture__track "$WINDOW"
+}
+
+window_taken_back() {
+    until_true 200 test -s "$TRY/outcome" || wrong 'the window stays'
+    read -r OUTCOME ENDED_AFTER < "$TRY/outcome"
+    unset "torture__running[$WINDOW]"
+}
+
 set_aside() {
     local name
     for name in LABEL ENGINE START TRY COUNTER STORE CONFIG WINDOW OFFICE torture__started \
@@ -289,27 +311,25 @@ take_back() {
 silence_begin() {
     try_begin "silent until the counter gives up, call $((CALLS / 2))"
     office_start --fault silent --call $((CALLS / 2))
-    window_start
+    window_aside
     set_aside collecting
     try_begin 'silent until the counter gives up, behind the commit' odbc
     office_start --fault silent --call "$CALLS"
-    window_start
+    window_aside
     set_aside committed
     try_begin "silent until the counter gives up, the version's report"
     sed -i '/^RCVVERSION=/d' "$CONFIG/quillet/settings.ini"
     office_start --fault silent --call 1
-    window_start
+    window_aside
     set_aside report
 }
 
 silence_end() {
     local which call after
-    # shellcheck disable=SC2034 # window_wait reads it
-    local WINDOW_QUIET=150
     words_of silent
     for which in report collecting committed; do
         take_back $which
-        window_wait 150
+        window_taken_back
         office_was_hit || wrong 'the fault has not come'
         office_end
         if [[ $which == report ]]; then
