@@ -63,12 +63,12 @@
 #
 # States, all from real runs of this invocation: old, new; batch (neither swept nor the store's own
 # settings), batch-swept, batch-settings; batch-again (of a run that repeats one); emptied (a full
-# reload has deleted the menu), unemptied (it could not, and is owed); missing;
-# broken (none of these). Stamps count as moved, kept or blank.
+# reload has deleted the menu), unemptied (it could not, and is owed), unstamped (new, but nobody knows
+# whether the menu was deleted, and it is owed); missing; broken (none of these). Stamps count as moved, kept or blank.
 
 # Read by the cases.
 # shellcheck disable=SC2034
-ALL_BETWEEN='batch batch-swept batch-settings batch-again emptied unemptied'
+ALL_BETWEEN='batch batch-swept batch-settings batch-again emptied unemptied unstamped'
 
 torture__dir=''
 torture__programs=''

@@ -2,7 +2,7 @@
 # One call after the other fails, and the same with all that come after it, until a run goes through
 # without.
 # shellcheck disable=SC2034,SC2153,SC2154 # what the frame sets
-cases+=(failing-calls failing-memory)
+cases+=(failing-calls failing-calls-odbc failing-memory)
 
 # Settings are saved, and a log's folder is made, by a run that has to.
 prepare_for() {
@@ -43,27 +43,26 @@ fail_every() {
 }
 
 # Reading fails once; writing also as on a full disk, which goes on to be full.
-case_failing_calls() {
-    local engine start call
-    for engine in embedded odbc; do
-        in_quick "$engine" embedded || continue
-        start=incremental
-        for call in write sync unlink rename mkdir open truncate read; do
-            in_quick "$call" write sync unlink || continue
-            fail_every "$call" EIO
-            [[ -n $QUICK || $call == read ]] || fail_every "$call" ENOSPC lasting
-        done
-        [[ -z $QUICK ]] || continue
-        fail_every write ENOSPC
-        start=full
-        fail_every write ENOSPC lasting
-        for call in sync unlink rename read; do
-            fail_every "$call" EIO
-        done
-        start=first
-        fail_every write EIO
+fail_all() {
+    local engine=$1 start=incremental call
+    for call in write sync unlink rename mkdir open truncate read; do
+        in_quick "$call" write sync unlink || continue
+        fail_every "$call" EIO
+        [[ -n $QUICK || $call == read ]] || fail_every "$call" ENOSPC lasting
     done
+    [[ -z $QUICK ]] || return 0
+    fail_every write ENOSPC
+    start=full
+    fail_every write ENOSPC lasting
+    for call in sync unlink rename read; do
+        fail_every "$call" EIO
+    done
+    start=first
+    fail_every write EIO
 }
+
+case_failing_calls() { fail_all embedded; }
+case_failing_calls_odbc() { fail_all odbc; }
 
 # The window system and the toolkit end a program that has no memory left, wherever they need some.
 case_failing_memory() {
