@@ -43,10 +43,8 @@ void emptyMenuTables(sync::Run& run) {
     run.store().PUT_DATA_DEL(run.DelList);
     // Deliberately no reason to stop: what could not be emptied is looked up like any row.
     run.oldMenuRemains = run.store().Status() != 1;
-    if (run.oldMenuRemains) {
-        run.mustFinish = false;
+    if (run.oldMenuRemains)
         run.logBatchFailure(CategoriesTitle);
-    }
 }
 
 } // namespace

@@ -90,8 +90,8 @@ public:
     /// whatever stamps are asked from.
     bool menuNeverReceived = false;
 
-    /// The old menu should have been deleted and is still there. The new one is received into it
-    /// all the same, and the menu's stamp stays blank, so that the next run begins anew.
+    /// The old menu should have been deleted and is still there, as far as anybody knows. The new
+    /// one is received all the same, and the menu's stamp stays blank: the next run begins anew.
     bool oldMenuRemains = false;
 
     /// From when on the store's own settings are asked for.
