@@ -109,7 +109,7 @@ torture__undisturbed() {
     fi
 }
 
-# reference NAME [SQL [WHERE]]: what a run leaves in a store that refuses something.
+# torture__reference NAME [SQL]: what a run leaves in a store that refuses something.
 torture__reference() {
     try_begin "$1 ($START)" embedded "$START"
     [[ $1 != batch-again ]] || cp "$torture__dir/references/$START/batch-swept.MDB" "$STORE"
@@ -142,8 +142,6 @@ torture__references_of_failed_emptying() {
 
 torture__references_of() {
     local folder=$torture__dir/references/$1 name
-    local no_sweep="CREATE TRIGGER no_sweep BEFORE UPDATE OF PRC_RCV ON PRC
-        WHEN NEW.PRC_RCV = '9' BEGIN SELECT RAISE(ABORT, 'not swept'); END"
     START=$1
     torture__write_dump_sql "$folder/start.MDB" > "$folder/dump.sql"
     try_begin old embedded "$START"
@@ -155,10 +153,10 @@ torture__references_of() {
         mv "$TRY/dump" "$folder/emptied.dump"
     fi
     try_end
-    torture__reference batch "$no_sweep"
-    torture__reference batch-settings "$no_sweep"
+    torture__reference batch "$NO_SWEEP"
+    torture__reference batch-settings "$NO_SWEEP"
     torture__reference batch-swept
-    torture__reference batch-again "$no_sweep"
+    torture__reference batch-again "$NO_SWEEP"
     torture__reference new
     [[ $START == incremental ]] || torture__references_of_failed_emptying
     # The frame itself: references that do not differ would pass anything.
@@ -178,8 +176,7 @@ $(torture__difference new)"
     try_end
     # A run with nothing new to receive, and a receive repeated from the beginning, change nothing.
     try_begin again embedded "$START"
-    for name in 'SELECT 1' "UPDATE UPD SET UPD_PR = '2000', UPD_CT = '2000', UPD_USR = '2000',
-        UPD_BAS = '2000', UPD_FN = '2000'"; do
+    for name in 'SELECT 1' "$FROM_THE_BEGINNING"; do
         cp "$folder/new.MDB" "$STORE"
         repair "$name" > "$TRY/repaired"
         torture__undisturbed

@@ -16,13 +16,13 @@ window_start() {
     torture__track "$WINDOW"
 }
 
-# faulty_start FAULT [VARIABLE=VALUE ...]
+watched_start() {
+    window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" "$@"
+}
+
 faulty_start() {
-    local fault=$1
-    shift
     rm -f -- "$TRY/report"
-    window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" \
-        TORTURE_FAULT="$fault" TORTURE_REPORT="$TRY/report" "$@"
+    watched_start TORTURE_FAULT="$1" TORTURE_REPORT="$TRY/report" "${@:2}"
 }
 
 # Whether the fault has come.
@@ -90,14 +90,10 @@ torture__used() {
 
 # Whether the window waits for nothing but a person: poll() without a limit, or with the half minute
 # after which Qt looks through its kept pictures (by its numbers on x86-64 and, as ppoll(), on
-# AArch64). A run never waits so long in one call. Where nobody may look into a process, one that
-# uses no time and has written a log.
+# AArch64). A run never waits so long in one call.
 torture__is_idle() {
     local call
-    if ! read -r -a call 2> /dev/null < "/proc/$1/syscall"; then
-        is_running "$1" && ((quiet > 1200)) && has_log
-        return
-    fi
+    read -r -a call 2> /dev/null < "/proc/$1/syscall" || return 1
     case ${call[0]} in
         7) ((call[3] > 10000)) ;;
         73) [[ ${call[3]} == 0x0 ]] ;;
@@ -105,8 +101,19 @@ torture__is_idle() {
     esac
 }
 
+# Not everywhere, and not into everybody's processes. Then a window that uses no time has to do.
+torture__may_look() { read -r _ 2> /dev/null < "/proc/$1/syscall"; }
+
 stands() {
-    local idle quiet=0
+    local idle before=''
+    if ! torture__may_look "$1"; then
+        until torture__used "$1" && [[ $USED == "$before" ]]; do
+            before=$USED
+            sleep 1.5
+        done
+        is_running "$1"
+        return
+    fi
     for ((idle = 0; idle < 5; ++idle)); do
         until_true 15 torture__is_idle "$1" || return 1
         sleep 0.02
@@ -133,6 +140,7 @@ window_wait() {
         quiet=$((NOW - quiet_since))
         # A store that is locked, or an office that does not answer, makes a run as quiet as its end
         # does, but never idle.
+        ! { ((quiet > 1200)) && has_log && ! torture__may_look "$WINDOW"; } || idle=4
         if ((idle > 3 || quiet > ${WINDOW_QUIET:-15} * 1000)); then
             OUTCOME=silent
             ! has_log || OUTCOME=open

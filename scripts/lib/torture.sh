@@ -19,6 +19,8 @@
 #                            receive over an old menu) or first (into a new store)
 #   window_start [VARIABLE=VALUE ...]
 #                            start the program; WINDOW is its process
+#   watched_start [VARIABLE=VALUE ...]
+#                            start it with its calls counted, or written down, as tests/torture says
 #   faulty_start FAULT [VARIABLE=VALUE ...]
 #                            start it with one call that goes wrong, as tests/torture/Fault.h says;
 #                            was_hit tells whether it came to that
@@ -63,8 +65,9 @@
 #
 # States, all from real runs of this invocation: old, new; batch (neither swept nor the store's own
 # settings), batch-swept, batch-settings; batch-again (of a run that repeats one); emptied (a full
-# reload has deleted the menu), unemptied (it could not, and is owed), unstamped (new, but nobody knows
-# whether the menu was deleted, and it is owed); missing; broken (none of these). Stamps count as moved, kept or blank.
+# reload has deleted the menu), unemptied (it could not, and is owed), unstamped (new, but nobody
+# knows whether the menu was deleted, and it is owed); missing; broken (none of these). Stamps count
+# as moved, kept or blank.
 
 # Read by the cases.
 # shellcheck disable=SC2034
@@ -179,8 +182,7 @@ count_of() {
     local counted=$torture__dir/references/$START/$ENGINE.calls
     if [[ ! -e $counted ]]; then
         cp "$STORE" "$TRY/uncounted.MDB"
-        window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" \
-            TORTURE_REPORT="$counted"
+        watched_start TORTURE_REPORT="$counted"
         window_wait
         mv "$TRY/uncounted.MDB" "$STORE"
     fi
@@ -239,6 +241,16 @@ judge() {
         wrong 'the window says that the run has failed, and all of it is in the store'
     fi
 }
+
+# What stores and settings are made to do, or forget, in several cases.
+REFUSE_BATCH="CREATE TRIGGER refuse BEFORE UPDATE ON UPD BEGIN SELECT RAISE(ABORT, 'refused'); END"
+NO_SWEEP="CREATE TRIGGER no_sweep BEFORE UPDATE OF PRC_RCV ON PRC
+    WHEN NEW.PRC_RCV = '9' BEGIN SELECT RAISE(ABORT, 'not swept'); END"
+FROM_THE_BEGINNING="UPDATE UPD SET UPD_PR = '2000', UPD_CT = '2000', UPD_USR = '2000',
+    UPD_BAS = '2000', UPD_FN = '2000'"
+
+# A counter that has never reported its version and has everything of a run still to save.
+forget_what_was_saved() { sed -i '/RCVVERSION\|TABLEUPDATE/d' "$CONFIG/quillet/settings.ini"; }
 
 repair() { sqlite3 -cmd '.timeout 5000' "$STORE" "$1"; }
 

@@ -7,11 +7,10 @@ cases+=(failing-calls failing-calls-odbc failing-memory)
 # Settings are saved, and a log's folder is made, by a run that has to.
 prepare_for() {
     case $1 in
-        rename | mkdir) sed -i '/RCVVERSION\|TABLEUPDATE/d' "$CONFIG/quillet/settings.ini" ;;&
+        rename | mkdir) forget_what_was_saved ;;&
         mkdir)
             rmdir "$COUNTER/log"
-            repair "CREATE TRIGGER refuse BEFORE UPDATE ON UPD
-                BEGIN SELECT RAISE(ABORT, 'refused'); END"
+            repair "$REFUSE_BATCH"
             ;;
     esac
 }
@@ -39,7 +38,7 @@ fail_every() {
     done
     [[ $OUTCOME == closed || $1 == mkdir ]] || wrong "without a fault: $OUTCOME"
     ((n > 1)) || [[ $1 == truncate ]] || wrong "there is no such call"
-    [[ -n $torture__wrong ]] || try_cancel
+    if [[ -n $torture__wrong ]]; then try_end; else try_cancel; fi
 }
 
 # Reading fails once; writing also as on a full disk, which goes on to be full.

@@ -6,11 +6,6 @@ cases+=(power-cuts)
 
 power_cut() { "$torture__tools/torture_power_cut" "$@"; }
 
-# A counter that has never reported its version and has everything of a run still to save.
-forget_what_was_saved() {
-    sed -i '/RCVVERSION\|TABLEUPDATE/d' "$CONFIG/quillet/settings.ini"
-}
-
 # record SCENARIO ENGINE START: a run in $RECORDED: the folder before it and the list of its calls.
 record() {
     local scenario=$1 folder
@@ -18,8 +13,7 @@ record() {
     try_begin "recorded, $scenario, $2, $3" "$2" "$3"
     case $scenario in
         receive) forget_what_was_saved ;;
-        refused) repair "CREATE TRIGGER refuse BEFORE UPDATE ON UPD
-            BEGIN SELECT RAISE(ABORT, 'refused'); END" ;;
+        refused) repair "$REFUSE_BATCH" ;;
         mending)
             hold_table RCTBAS
             window_start
@@ -32,8 +26,7 @@ record() {
     mkdir "$RECORDED"
     cp -r "$COUNTER" "$CONFIG" "$RECORDED"
     rm "$RECORDED/counter/quillet"
-    window_start LD_PRELOAD="$torture__tools/libtorture_calls.so" TORTURE_FOLDER="$TRY" \
-        TORTURE_LOG="$RECORDED/calls"
+    watched_start TORTURE_LOG="$RECORDED/calls"
     window_wait
     cp "$CONFIG/quillet/settings.ini" "$RECORDED/settings.after"
     # The list is the whole of what the run has done, or every cut would be a lie.

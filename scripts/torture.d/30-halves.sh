@@ -63,8 +63,7 @@ case_sweep_fails() {
         for start in incremental full; do
             in_quick "$start $engine" 'incremental embedded' 'full odbc' || continue
             try_begin "$start, $engine" "$engine" "$start"
-            repair "CREATE TRIGGER no_sweep BEFORE UPDATE OF PRC_RCV ON PRC
-                WHEN NEW.PRC_RCV = '9' BEGIN SELECT RAISE(ABORT, 'not swept'); END"
+            repair "$NO_SWEEP"
             [[ $start == full ]] || repair "CREATE TRIGGER no_delete BEFORE DELETE ON PRC
                 BEGIN SELECT RAISE(ABORT, 'not deleted'); END"
             window_start

@@ -50,7 +50,7 @@ case_settings_file() {
 case_private_logs() {
     local file
     try_begin 'a statement is refused, and a query'
-    repair "CREATE TRIGGER refuse BEFORE UPDATE ON UPD BEGIN SELECT RAISE(ABORT, 'refused'); END"
+    repair "$REFUSE_BATCH"
     window_start
     window_wait
     has_daily_log || wrong 'no daily log'

@@ -146,8 +146,7 @@ judge_garbage() {
     torture__difference new > /dev/null
     tables=$(sed -n 's/^[<>] \([A-Z]*\),.*/\1/p' "$TRY/difference-from-new" | sort -u | wc -l)
     ((tables <= 1)) || wrong "one garbled reply changed $tables tables"
-    repair "UPDATE UPD SET UPD_PR = '2000', UPD_CT = '2000', UPD_USR = '2000', UPD_BAS = '2000',
-        UPD_FN = '2000'"
+    repair "$FROM_THE_BEGINNING"
     window_start
     window_wait
     forget_garbled_keys

@@ -145,7 +145,7 @@ int truncateFile(int descriptor, off_t length, int (*truncater)(int, off_t)) {
     return result;
 }
 
-/// SQLite's sqlite3_exec() may come back through the other two.
+/// SQLite's sqlite3_exec() may come back through sqlite3_step().
 thread_local bool insideExec = false;
 
 /// An ODBC driver's calls count like the program's own.
