@@ -30,6 +30,15 @@ public:
     /// itself never calls it.
     virtual void setWaitHandler(WaitHandler* /*handler*/) {}
 
+    /// From any thread: ends what runs at this moment, which then fails, as soon as the database
+    /// can be told. Does nothing where a database cannot be told.
+    virtual void cancel() noexcept {}
+
+    /// Puts the session back into the state in which it was opened: no transaction, no variables,
+    /// no temporary tables.
+    /// @return false where that cannot be done, so that the next user needs an engine of its own.
+    virtual bool reset() { return false; }
+
     /// Whether a transaction of any size is all or nothing, whatever happens.
     virtual bool keepsTransactionsWhole() const noexcept { return false; }
 

@@ -55,7 +55,7 @@ private:
 
 class CountingCursor : public db::Cursor {
 public:
-    explicit CountingCursor(db::Cursor& cursor) : cursor_(cursor) {}
+    CountingCursor(db::Cursor& cursor, std::size_t& rows) : cursor_(cursor), rows_(rows) {}
 
     const db::FieldList& fields() const override { return cursor_.fields(); }
     db::Value value(std::size_t column) const override { return cursor_.value(column); }
@@ -65,26 +65,24 @@ public:
         return row;
     }
 
-    std::size_t rows() const noexcept { return rows_; }
-
 private:
     db::Cursor& cursor_;
-    std::size_t rows_ = 0;
+    std::size_t& rows_;
 };
 
 class ReplyWriter : public CallResult {
 public:
     /// @param returned which arguments go back with their values.
     ReplyWriter(HeldBackBody& body, const Call& call, const std::vector<bool>* returned,
-                std::string& summary)
+                std::stop_token gone, CallRecord& record)
         : sink_([&body](std::string_view bytes) { body.append(bytes); }), call_(call),
-          returned_(returned), summary_(summary) {}
+          returned_(returned), gone_(std::move(gone)), record_(record) {}
 
     void rows(db::Cursor& cursor) override {
         writeHead();
-        CountingCursor counting(cursor);
+        CountingCursor counting(cursor, record_.rows);
         writeReplyResult(sink_, call_.boundary, counting);
-        note(std::to_string(counting.rows()) + (counting.rows() == 1 ? " row" : " rows"));
+        note(std::to_string(record_.rows) + (record_.rows == 1 ? " row" : " rows"));
     }
 
     void value(const Variant& result) override {
@@ -92,7 +90,9 @@ public:
         writeReplyResult(sink_, call_.boundary, result);
     }
 
-    void note(std::string summary) override { summary_ = std::move(summary); }
+    void note(std::string summary) override { record_.summary = std::move(summary); }
+
+    std::stop_token gone() const override { return gone_; }
 
     void finish() {
         if (!headWritten_)
@@ -114,7 +114,8 @@ private:
     ByteSink sink_;
     const Call& call_;
     const std::vector<bool>* returned_;
-    std::string& summary_;
+    std::stop_token gone_;
+    CallRecord& record_;
     bool headWritten_ = false;
 };
 
@@ -164,8 +165,9 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
         Call call = decodeCall(request.target, request.body, request.header("Content-Type"));
         record.target = call.progId + '.' + call.method;
         const ServerObject::Method& method = find(call);
+        record.method = method.name;
         ReplyWriter writer(body, call, options_.returnArguments ? &method.byReference : nullptr,
-                           record.summary);
+                           request.gone, record);
         method.run(call.arguments, writer);
         writer.finish();
         body.flush();

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ public:
 
     /// Says for the log what the call did; rows() does so by itself.
     virtual void note(std::string summary) = 0;
+
+    /// Asked to stop once nobody waits for the result any more.
+    virtual std::stop_token gone() const = 0;
 };
 
 /// An object whose methods can be called from afar, from several threads at once. It keeps
@@ -53,9 +57,11 @@ public:
 /// What became of one request, for the log.
 struct CallRecord {
     std::string peer;
-    std::string target;  ///< "object.method", or the request line of what is no call
-    std::string summary; ///< for example "12 rows"
-    std::string error;   ///< empty if there was none
+    std::string target;   ///< "object.method", or the request line of what is no call
+    std::string method;   ///< as the object spells it, empty for what is no call of a known one
+    std::string summary;  ///< for example "12 rows"
+    std::string error;    ///< empty if there was none
+    std::size_t rows = 0; ///< that were sent
     std::chrono::milliseconds elapsed{0};
     std::size_t bytes = 0; ///< of the reply's body
 };

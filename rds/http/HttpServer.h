@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,8 @@ struct HttpRequest {
     std::string peer; ///< the client's address and port, for the log
     /// Value of the first header of that name (letter case does not count), or "".
     std::function<std::string(std::string_view name)> header;
+    /// Asked to stop once nobody waits for the reply any more.
+    std::stop_token gone;
 };
 
 /// The reply to one request. Either error() once, or write() as often as wanted: the head is sent
