@@ -35,19 +35,23 @@ std::size_t writtenBytes(const char* cell, std::size_t size, SQLLEN reported) {
 
 } // namespace
 
-void executeOdbc(const OdbcHandle& statement, const std::string& text) {
+void executeOdbc(const OdbcHandle& statement, const std::string& text, OdbcRunning& running) {
     if (text.find('\0') != std::string::npos)
         throw providerError("42000", "Syntax error: the statement holds a NUL character.");
     OdbcText units(text);
-    const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
+    const SQLRETURN result = [&] {
+        const OdbcRunning::Scope scope(running, statement);
+        return SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
+    }();
     if (result == SQL_NEED_DATA)
         throw providerError("07002", "The statement has parameters; nothing is bound to them.");
     statement.check(result);
 }
 
-OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts)
+OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts,
+                       OdbcRunning& running)
     : statement_(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection) {
-    executeOdbc(statement_, source);
+    executeOdbc(statement_, source, running);
     SQLSMALLINT count = 0;
     statement_.check(SQLNumResultCols(statement_.get(), &count));
     atEnd_ = count <= 0;

@@ -19,7 +19,8 @@ setup__xvfb=''
 
 setup__packages=(
     # the compiler and the libraries
-    g++ cmake ninja-build libboost-dev libsqlite3-dev qt6-base-dev unixodbc-dev
+    g++ cmake ninja-build libboost-dev libcli11-dev libmariadb-dev libsqlite3-dev qt6-base-dev
+    unixodbc-dev
     # a head office: server, client, ODBC drivers
     mariadb-server-core mariadb-client-core odbc-mariadb libsqliteodbc unixodbc
     # tests and benchmarks
