@@ -59,6 +59,17 @@ std::string ConnectionString::value(std::string_view key) const {
     return {};
 }
 
+std::vector<std::string> ConnectionString::keys() const {
+    std::vector<std::string> result;
+    for (const Entry& entry : entries_) {
+        const std::string_view text =
+            std::string_view(text_).substr(entry.begin, entry.end - entry.begin);
+        if (!entry.key.empty() || !trimmed(text, " \t\r\n;").empty())
+            result.push_back(entry.key);
+    }
+    return result;
+}
+
 std::string ConnectionString::without(std::string_view key) const {
     std::string result;
     for (const Entry& entry : entries_) {

@@ -19,6 +19,10 @@ public:
     /// absent.
     std::string value(std::string_view key) const;
 
+    /// Every key as it stands there, without blanks around it; empty for an entry that is more than
+    /// blanks and has none.
+    std::vector<std::string> keys() const;
+
     /// The text less every entry of a key, the other entries byte for byte as they were.
     std::string without(std::string_view key) const;
 

@@ -44,7 +44,8 @@ public:
 
     /// Logs in anew on the same connection: no variable, temporary table, transaction, named lock,
     /// prepared statement, role or other database of before is left.
-    /// @return false also while a cursor is open and after the connection was lost.
+    /// @return false also while a cursor is open, after the connection was lost, and when cancelled
+    ///         meanwhile; but for an open cursor, the connection is of no use then.
     bool reset() override;
 
     /// Whether the connection was lost, as far as is known without asking.

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <mysqld_error.h>
 #include <new>
+#include <string>
 
 namespace quillet::db {
 
@@ -54,6 +55,7 @@ void setOptions(MYSQL* handle, const MariaDbLogin& login) {
     set(handle, MYSQL_SET_CHARSET_NAME, "utf8mb4");
     set(handle, MYSQL_PLUGIN_DIR, MARIADB_PLUGINDIR); // else an environment variable names it
     set(handle, MARIADB_OPT_RESTRICTED_AUTH, AllowedLogins);
+    set(handle, MARIADB_OPT_PASSWORD, ""); // likewise, where the password is empty
     const my_bool never = 0;
     set(handle, MYSQL_OPT_RECONNECT, static_cast<const void*>(&never));
 }
@@ -61,10 +63,12 @@ void setOptions(MYSQL* handle, const MariaDbLogin& login) {
 } // namespace
 
 MariaDbHandle::MariaDbHandle(const MariaDbLogin& login) : handle_(newHandle()) {
-    if (!isHost(login.host))
+    if (!isHost(login.host) || login.port == 0)
         throw providerError("08001", "The database server's host is no name and no address.");
+    // For an empty one the library would look into the environment.
+    if (login.user.empty())
+        throw providerError("28000", "The database refuses this user or password.");
     setOptions(get(), login);
-    // No null pointers: for those the library looks into the environment.
     const char* const database = login.database.empty() ? nullptr : login.database.c_str();
     if (mysql_real_connect(get(), login.host.c_str(), login.user.c_str(), login.password.c_str(),
                            database, login.port, nullptr,
@@ -104,8 +108,13 @@ void MariaDbHandle::run(std::string_view statement) const {
 }
 
 bool MariaDbHandle::reset(const MariaDbLogin& login) const noexcept try {
-    // Logging in again, and not mysql_reset_connection(): that one keeps the current database and
-    // role, and servers before MySQL 5.7 and MariaDB 10.2 do not have it.
+    // MariaDB keeps a role over the log-in where the user has none by default (observed with
+    // 10.11); servers without roles refuse this.
+    constexpr std::string_view NoRole = "SET ROLE NONE";
+    if (mariadb_connection(get()))
+        mysql_real_query(get(), NoRole.data(), NoRole.size());
+    // Logging in again, and not mysql_reset_connection(): that one keeps the current database, and
+    // servers before MySQL 5.7 and MariaDB 10.2 do not have it.
     const char* const database = login.database.empty() ? nullptr : login.database.c_str();
     if (mysql_change_user(get(), login.user.c_str(), login.password.c_str(), database) != 0)
         return false;

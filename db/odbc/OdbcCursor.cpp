@@ -35,23 +35,19 @@ std::size_t writtenBytes(const char* cell, std::size_t size, SQLLEN reported) {
 
 } // namespace
 
-void executeOdbc(const OdbcHandle& statement, const std::string& text, OdbcRunning& running) {
+void executeOdbc(const OdbcHandle& statement, const std::string& text) {
     if (text.find('\0') != std::string::npos)
         throw providerError("42000", "Syntax error: the statement holds a NUL character.");
     OdbcText units(text);
-    const SQLRETURN result = [&] {
-        const OdbcRunning::Scope scope(running, statement);
-        return SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
-    }();
+    const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
     if (result == SQL_NEED_DATA)
         throw providerError("07002", "The statement has parameters; nothing is bound to them.");
     statement.check(result);
 }
 
-OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts,
-                       OdbcRunning& running)
+OdbcCursor::OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts)
     : statement_(SQL_HANDLE_STMT, SQL_HANDLE_DBC, connection) {
-    executeOdbc(statement_, source, running);
+    executeOdbc(statement_, source);
     SQLSMALLINT count = 0;
     statement_.check(SQLNumResultCols(statement_.get(), &count));
     atEnd_ = count <= 0;

@@ -3,7 +3,6 @@
 #include "db/Cursor.h"
 #include "db/odbc/OdbcColumn.h"
 #include "db/odbc/OdbcHandle.h"
-#include "db/odbc/OdbcRunning.h"
 
 #include <cstddef>
 #include <memory>
@@ -13,9 +12,8 @@
 namespace quillet::db {
 
 /// Runs one statement; its rows, if any, stay to be fetched.
-/// @param running told of the statement while the database is busy with it.
 /// @throws Error with the driver's records, or 42000 for a NUL character in the text.
-void executeOdbc(const OdbcHandle& statement, const std::string& text, OdbcRunning& running);
+void executeOdbc(const OdbcHandle& statement, const std::string& text);
 
 /// Rows of a query on an ODBC database.
 ///
@@ -29,9 +27,7 @@ public:
     static constexpr std::size_t BlockRows = 256;
 
     /// Runs the query.
-    /// @param running see executeOdbc().
-    OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts,
-               OdbcRunning& running);
+    OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts);
 
     const FieldList& fields() const override { return fields_; }
     bool next() override;

@@ -41,7 +41,6 @@ struct OdbcEngine::Session {
 
     OdbcEnvironment environment;
     OdbcHandle connection;
-    OdbcRunning running;
     std::optional<OdbcHandle> statement; ///< kept for all statements without a result
 
 private:
@@ -74,17 +73,12 @@ void OdbcEngine::execute(const std::string& statement) {
     if (!session_->statement)
         session_->statement.emplace(SQL_HANDLE_STMT, SQL_HANDLE_DBC, session_->connection.get());
     const OdbcHandle& handle = *session_->statement;
-    executeOdbc(handle, statement, session_->running);
+    executeOdbc(handle, statement);
     SQLFreeStmt(handle.get(), SQL_CLOSE);
 }
 
 std::unique_ptr<Cursor> OdbcEngine::query(const std::string& source) {
-    return std::make_unique<OdbcCursor>(session_->connection.get(), source, session_->texts(),
-                                        session_->running);
-}
-
-void OdbcEngine::cancel() noexcept try { session_->running.cancel(); } catch (...) {
-    // Without a lock nothing is known of what runs.
+    return std::make_unique<OdbcCursor>(session_->connection.get(), source, session_->texts());
 }
 
 void OdbcEngine::begin() {

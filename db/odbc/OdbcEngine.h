@@ -30,10 +30,6 @@ public:
     /// A statement without a result runs and gives a cursor without columns.
     std::unique_ptr<Cursor> query(const std::string& source) override;
 
-    /// Ends a statement that has no result yet, where the driver can do that (SQLCancel). Rows that
-    /// are being fetched are not stopped. The engine must live until this has returned.
-    void cancel() noexcept override;
-
     void begin() override;
     void commit() override;
     void rollback() override;

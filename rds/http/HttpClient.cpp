@@ -1,6 +1,7 @@
 #include "rds/http/HttpClient.h"
 
 #include "db/Error.h"
+#include "rds/http/NetworkErrors.h"
 #include "rds/http/TimedStream.h"
 
 #include <boost/asio/connect.hpp>
@@ -159,7 +160,7 @@ public:
         const auto firstByte = Clock::now() + limits_.quiet;
         for (int replies = 0; replies <= MaxInterimReplies; ++replies) {
             Pace pace(firstByte, limits_.leastBytesPerWindow, limits_.rateWindow);
-            TimedStream::Parser<false> parser;
+            TimedStream::Parser parser;
             parser.body_limit(limits_.largestBody);
             require(stream_.readHead(parser, pace));
             const unsigned status = parser.get().result_int();
@@ -180,7 +181,7 @@ public:
     }
 
 private:
-    HttpAnswer receiveBody(TimedStream::Parser<false>& parser, Pace& pace,
+    HttpAnswer receiveBody(TimedStream::Parser& parser, Pace& pace,
                            const HttpClient::BodyCheck& check) {
         HttpAnswer answer{std::string(parser.get()[beast::http::field::content_type]), {}};
         bool checked = !check;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal to HttpClient.cpp and HttpServer.cpp: it brings Boost with it.
+// Internal to HttpClient.cpp: it brings Boost with it.
 
 #include "rds/http/Pace.h"
 
@@ -28,8 +28,7 @@
 
 namespace quillet::rds {
 
-/// A connection whose blocking operations end in time. It belongs to one thread; other threads
-/// may post to its context, and what they post runs while an operation is waited for.
+/// A connection to a server whose blocking operations end in time. It belongs to one thread.
 class TimedStream {
 public:
     using Duration = Pace::Clock::duration;
@@ -44,7 +43,6 @@ public:
     /// @param whileWaiting called during and after every wait, from the same thread; may be empty.
     explicit TimedStream(WhileWaiting whileWaiting) : whileWaiting_(std::move(whileWaiting)) {}
 
-    boost::asio::io_context& context() noexcept { return context_; }
     auto& stream() noexcept { return stream_; }
 
     /// Whether whileWaiting has ended an operation.
@@ -90,11 +88,9 @@ public:
         return wait(pace, std::move(start));
     }
 
-    template <bool IsRequest>
-    using Parser = boost::beast::http::parser<IsRequest, boost::beast::http::buffer_body>;
+    using Parser = boost::beast::http::response_parser<boost::beast::http::buffer_body>;
 
-    template <bool IsRequest>
-    boost::system::error_code readHead(Parser<IsRequest>& parser, Pace& pace) {
+    boost::system::error_code readHead(Parser& parser, Pace& pace) {
         parser.header_limit(MaxHead);
         received_.reserve(PieceSize); // also the size in which Beast reads
         return wait(pace, [&](auto handler) {
@@ -104,8 +100,7 @@ public:
 
     /// Reads a piece of the body behind a head and appends it. There is more until the parser is
     /// done. Memory follows what comes, not what the head announces.
-    template <bool IsRequest>
-    boost::system::error_code readPiece(Parser<IsRequest>& parser, Pace& pace, std::string& body) {
+    boost::system::error_code readPiece(Parser& parser, Pace& pace, std::string& body) {
         namespace http = boost::beast::http;
         const auto piece = std::make_unique<std::array<char, PieceSize>>();
         auto& target = parser.get().body();
@@ -151,9 +146,5 @@ private:
         context_};
     boost::beast::flat_buffer received_{MaxHead + PieceSize};
 };
-
-/// What went wrong, in words. The system's own texts are in its language and code page, so they
-/// are not used.
-std::string reasonOf(boost::system::error_code error);
 
 } // namespace quillet::rds

@@ -317,6 +317,36 @@ TEST_F(MariaDbEngineTest, ResetLeavesNothingOfTheSessionBefore) {
     EXPECT_EQ(cellsOf(*engine_, "SELECT @@autocommit"), "1|");
 }
 
+TEST_F(MariaDbEngineTest, NoticesThatItsConnectionIsLost) {
+    const auto connectionId = [](Engine& engine) {
+        std::string cell = cellsOf(engine, "SELECT CONNECTION_ID()");
+        cell.pop_back();
+        return cell;
+    };
+    MariaDbEngine idle(login_), used(login_), reading(login_);
+    const auto cursor = [&] {
+        const std::string id = connectionId(reading);
+        auto rows = reading.query("WITH RECURSIVE S AS (SELECT 1 N UNION ALL SELECT N + 1 FROM S "
+                                  "WHERE N < 900) SELECT N, REPEAT('x', 100000) FROM S");
+        engine_->execute("KILL " + id);
+        return rows;
+    }();
+    for (MariaDbEngine* engine : {&idle, &used})
+        engine_->execute("KILL " + connectionId(*engine));
+    EXPECT_FALSE(idle.reset());
+    EXPECT_FALSE(idle.reset());
+    EXPECT_NE(sqlStateOf([&] { used.execute("DO 1"); }), "no error");
+    EXPECT_EQ(sqlStateOf([&] { used.execute("DO 1"); }), "08S01");
+    EXPECT_FALSE(used.reset());
+    EXPECT_NE(sqlStateOf([&] {
+                  while (cursor->next()) {
+                  }
+              }),
+              "no error");
+    EXPECT_FALSE(cursor->next());
+    EXPECT_TRUE(reading.isLost());
+}
+
 TEST_F(MariaDbEngineTest, RefusesWhatTheOdbcEngineRefuses) {
     createRows();
     for (const std::string statement :
@@ -363,6 +393,9 @@ TEST_F(MariaDbEngineTest, SaysNothingOfHostsAndAccountsWhenItCannotConnect) {
     EXPECT_EQ(errors.back().providerRecords().at(0).SqlState, "08001");
     wrong = login_;
     wrong.database = "quillet_secret";
+    errors.push_back(connecting(wrong));
+    wrong = login_;
+    wrong.user.clear();
     errors.push_back(connecting(wrong));
     // Each of these would have the library do something else than connect.
     for (const char* host : {"", "replication://127.0.0.1", "127.0.0.1,127.0.0.2", "/tmp/socket",
@@ -434,6 +467,7 @@ TEST(MariaDbEngineSecurityTest, WaitsNoLongerForASilentServerThanToldTo) {
     tests::ScriptedServer server([](tests::tcp::socket& socket) { tests::receiveRaw(socket, 1); });
     MariaDbLogin login;
     login.host = "127.0.0.1";
+    login.user = "u";
     login.port = static_cast<std::uint16_t>(std::stoi(server.port()));
     login.connectTimeout = 1s;
     EXPECT_LT(timeOf([&] { EXPECT_EQ(sqlStateOf([&] { MariaDbEngine{login}; }), "08001"); }), 5s);

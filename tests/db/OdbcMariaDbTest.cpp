@@ -1,14 +1,10 @@
 #include "db/Transaction.h"
-#include "db/odbc/OdbcEngine.h"
 #include "tests/db/Queries.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <future>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quillet::db {
@@ -302,28 +298,6 @@ TEST_F(OdbcMariaDbTest, ReportsErrorsAndRollsBack) {
         EXPECT_EQ(stateOf("DELETE FROM engine_test WHERE N = 99"), "no error");
     }
     EXPECT_EQ(cells(connection_, "SELECT * FROM engine_test"), "");
-}
-
-TEST_F(OdbcMariaDbTest, EndsAStatementFromAnotherThread) {
-    OdbcEngine engine(std::getenv("QUILLET_TEST_MARIADB"));
-    for (const bool asQuery : {false, true}) {
-        const auto start = std::chrono::steady_clock::now();
-        auto canceller = std::async(std::launch::async, [&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(300));
-            engine.cancel();
-        });
-        const std::string state = sqlStateOf([&] {
-            if (asQuery)
-                engine.query("SELECT SLEEP(20)");
-            else
-                engine.execute("SELECT SLEEP(20)");
-        });
-        canceller.get();
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-        EXPECT_NE(state, "no error"); // drivers differ in what they call it
-        engine.cancel();              // nothing runs
-        EXPECT_TRUE(engine.query("SELECT 1")->next());
-    }
 }
 
 } // namespace

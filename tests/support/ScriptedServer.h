@@ -88,15 +88,21 @@ private:
 /// A client that sends what a test says.
 class RawClient {
 public:
-    explicit RawClient(std::uint16_t port) {
+    /// @param from the client's own address; every one of 127.0.0.0/8 is this machine.
+    explicit RawClient(std::uint16_t port, const char* from = "127.0.0.1") {
+        socket_.open(tcp::v4());
+        socket_.bind(tcp::endpoint(boost::asio::ip::make_address(from), 0));
         socket_.connect(tcp::endpoint(boost::asio::ip::address_v4::loopback(), port));
     }
 
     /// Sends and returns all of the answer.
     std::string ask(std::string_view request) {
-        sendRaw(socket_, request);
-        return receiveRaw(socket_);
+        send(request);
+        return reply();
     }
+
+    void send(std::string_view bytes) { sendRaw(socket_, bytes); }
+    std::string reply() { return receiveRaw(socket_); }
 
     tcp::socket& socket() { return socket_; }
 

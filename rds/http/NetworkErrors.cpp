@@ -1,4 +1,4 @@
-#include "rds/http/TimedStream.h"
+#include "rds/http/NetworkErrors.h"
 
 #include <boost/asio/error.hpp>
 #include <boost/beast/core/error.hpp>
