@@ -23,6 +23,10 @@ ScodeError failure(std::uint32_t scode, long number, std::string source, std::st
     return error;
 }
 
+std::string errorText(long number, const std::string& description) {
+    return "error " + std::to_string(number) + ": " + description;
+}
+
 /// Passes a body on in large pieces, the first one as late as possible.
 class HeldBackBody {
 public:
@@ -91,6 +95,12 @@ public:
     }
 
     void note(std::string summary) override { record_.summary = std::move(summary); }
+
+    void failed(const db::Error& error) override {
+        record_.error = errorText(error.Number(), error.Description());
+    }
+
+    const std::string& peer() const override { return record_.peer; }
 
     std::stop_token gone() const override { return gone_; }
 
@@ -182,8 +192,7 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
         const db::Error exception = db::currentError();
         error = failure(scode::Exception, exception.Number(), record.target, exception.what());
     }
-    record.error = "error " + std::to_string(failureOf(error).Number()) + ": " +
-                   error.description.text.value_or("");
+    record.error = errorText(failureOf(error).Number(), error.description.text.value_or(""));
     body.replace(encodeCallError(error));
     body.flush();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "db/Cursor.h"
+#include "db/Error.h"
 #include "rds/Call.h"
 #include "rds/http/HttpServer.h"
 
@@ -28,6 +29,12 @@ public:
 
     /// Says for the log what the call did; rows() does so by itself.
     virtual void note(std::string summary) = 0;
+
+    /// Says for the log that the call failed, although its result goes out.
+    virtual void failed(const db::Error& error) = 0;
+
+    /// The caller's address and port.
+    virtual const std::string& peer() const = 0;
 
     /// Asked to stop once nobody waits for the result any more.
     virtual std::stop_token gone() const = 0;

@@ -35,7 +35,7 @@ bool isIpv6(std::string_view text) {
 }
 
 Page refusal(unsigned status, std::string words) {
-    return {status, PlainText, std::move(words) + '\n', false, {}};
+    return {status, PlainText, std::move(words) + '\n', {}};
 }
 
 } // namespace
@@ -75,7 +75,6 @@ Page AdminSite::answer(std::string_view method, std::string_view target, std::st
     } else {
         page = found(path, target.substr(std::min(question + 1, target.size())));
     }
-    page.headOnly = method == "HEAD";
     page.headers.insert(
         page.headers.end(),
         {{"Content-Security-Policy", "default-src 'none'; style-src 'unsafe-inline'; base-uri "
@@ -83,8 +82,7 @@ Page AdminSite::answer(std::string_view method, std::string_view target, std::st
          {"X-Content-Type-Options", "nosniff"},
          {"X-Frame-Options", "DENY"},
          {"Referrer-Policy", "no-referrer"},
-         {"Cross-Origin-Resource-Policy", "same-origin"},
-         {"Cache-Control", "no-store"}});
+         {"Cross-Origin-Resource-Policy", "same-origin"}});
     return page;
 }
 
@@ -92,20 +90,19 @@ Page AdminSite::found(std::string_view path, std::string_view query) {
     if (path == "/health")
         return health();
     if (path == "/metrics")
-        return {200, std::string(Metrics::ContentType), metrics_.text(askLoad_()), false, {}};
+        return {200, std::string(Metrics::ContentType), metrics_.text(askLoad_()), {}};
     // The health first: it may take a while, and the rest should be of now.
     HealthKeeper::Health health = health_.current();
     return {200,
             "text/html; charset=utf-8",
             adminPage({options_.version, std::move(health), askLoad_(), activity_.snapshot(),
                        query == "all"}),
-            false,
             {}};
 }
 
 Page AdminSite::health() {
     const HealthKeeper::Health health = health_.current();
-    Page page{health.allOk() ? 200U : 503U, PlainText, {}, false, {}};
+    Page page{health.allOk() ? 200U : 503U, PlainText, {}, {}};
     page.body = health.allOk() ? "ok\n" : "failed\n";
     for (const DatabaseHealth& database : health.databases) {
         page.body += (database.ok ? "ok: " : "failed: ") + shown(kept(database.name, 240));

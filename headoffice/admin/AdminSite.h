@@ -15,12 +15,12 @@
 
 namespace quillet::headoffice::admin {
 
-/// A complete reply. For HEAD the body is what GET would get, for its length only.
+/// A complete reply, which nobody may keep. For HEAD the body is what GET would get, for its length
+/// only.
 struct Page {
     unsigned status = 200;
     std::string contentType;
     std::string body;
-    bool headOnly = false;                                    ///< the body is not to be sent
     std::vector<std::pair<std::string, std::string>> headers; ///< besides type and length
 };
 

@@ -33,7 +33,8 @@ void BufferedReply::page(unsigned status, std::string_view contentType, std::str
     std::string head = pageHead(status, contentType, body.size(), more);
     begin();
     buffer_.write(head);
-    buffer_.write(body);
+    if (hasBody_)
+        buffer_.write(body);
 }
 
 void BufferedReply::finish() {

@@ -8,7 +8,9 @@ namespace quillet::rds {
 /// A reply on its way into a buffer; on a worker.
 class BufferedReply : public HttpReply {
 public:
-    explicit BufferedReply(ReplyBuffer& buffer) : buffer_(buffer) {}
+    /// @param hasBody false for HEAD: nothing but the head is sent.
+    explicit BufferedReply(ReplyBuffer& buffer, bool hasBody = true)
+        : buffer_(buffer), hasBody_(hasBody) {}
 
     void write(std::string_view bytes) override;
     void error(unsigned status, std::string_view text) override;
@@ -25,6 +27,7 @@ private:
     void begin();
 
     ReplyBuffer& buffer_;
+    bool hasBody_;
     bool begun_ = false;
     bool complete_ = false;
 };

@@ -49,7 +49,8 @@ public:
     /// @throws db::Error 462 as write() does.
     virtual void error(unsigned status, std::string_view text) = 0;
 
-    /// Sends a complete reply of any status, with its Content-Length and `Cache-Control: no-store`.
+    /// Sends a complete reply of any status, with its Content-Length and `Cache-Control: no-store`;
+    /// to HEAD without its body.
     /// @param contentType for example `text/html; charset=utf-8`; "" for none.
     /// @param more further headers, as they stand.
     /// @throws db::Error 462 as write() does, and 3001 for a header with a line end in it.

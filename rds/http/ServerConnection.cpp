@@ -192,7 +192,7 @@ bool ServerConnection::prepare() {
 }
 
 void ServerConnection::run() noexcept {
-    BufferedReply reply(*buffer_);
+    BufferedReply reply(*buffer_, request_.method != "HEAD");
     try {
         try {
             parts_.handler(request_, reply);
