@@ -1,8 +1,6 @@
 #include "headoffice/CommandObject.h"
 
-#include "db/Connection.h"
 #include "db/Error.h"
-#include "db/Transaction.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,7 +28,9 @@ std::vector<std::string> statementsOf(const rds::Variant& argument) {
 } // namespace
 
 std::vector<rds::ServerObject::Method> CommandObject::methods() {
-    return {{"PUTSQL", {true, true, true}, putsql}};
+    return {{"PUTSQL", {true, true, true}, [this](Arguments& arguments, rds::CallResult& result) {
+                 putsql(arguments, result);
+             }}};
 }
 
 void CommandObject::putsql(Arguments& arguments, rds::CallResult& result) {
@@ -39,18 +39,19 @@ void CommandObject::putsql(Arguments& arguments, rds::CallResult& result) {
         std::to_string(statements.size()) + (statements.size() == 1 ? " statement" : " statements");
     bool executed = false;
     try {
-        db::Connection connection;
-        connection.Open(arguments[2].toText());
-        db::Transaction transaction(connection);
+        const DatabaseLogin login = access_.loginOf(arguments[2].toText());
+        std::vector<UpdateStatement> updates;
         for (const std::string& statement : statements)
-            connection.Execute(statement);
-        transaction.Commit();
+            updates.push_back(guard_.require(statement));
+        pool_.lend(login, result.gone()).write(statements);
         executed = true;
+        for (const UpdateStatement& update : updates)
+            written_(update, result.peer());
         result.note(count);
     } catch (const db::Error& error) {
         arguments[1] = rds::Variant::string(error.Description());
-        result.note(count + " refused, error " + std::to_string(error.Number()) + ": " +
-                    error.Description());
+        result.note(count + " refused");
+        result.failed(error);
     }
     result.value(executed);
 }

@@ -1,27 +1,30 @@
 #include "headoffice/QueryObject.h"
 
-#include "db/Connection.h"
-#include "headoffice/RowByRow.h"
+#include "db/Error.h"
+#include "headoffice/guards/QueryGuard.h"
 
 #include <string>
 
 namespace quillet::headoffice {
 
 std::vector<rds::ServerObject::Method> QueryObject::methods() {
-    return {{"Getsql", {true, false, false, true, true}, getsql}};
+    return {{"Getsql",
+             {true, false, false, true, true},
+             [this](Arguments& arguments, rds::CallResult& result) { getsql(arguments, result); }}};
 }
 
 void QueryObject::getsql(Arguments& arguments, rds::CallResult& result) {
     const std::string sql = arguments[0].toText();
-    db::Connection connection;
-    connection.Open(readingRowByRow(arguments[4].toText()));
-    const auto cursor = connection.query(sql);
-    if (cursor->fields().empty()) {
-        result.value(rds::Dispatch{});
-        result.note("no rows, not a query");
-        return;
+    const DatabaseLogin login = access_.loginOf(arguments[4].toText());
+    requireQuery(sql);
+    DatabaseSession session = pool_.lend(login, result.gone());
+    try {
+        const auto cursor = session.query(sql);
+        result.rows(*cursor);
+    } catch (const db::Error&) {
+        session.explain();
+        throw;
     }
-    result.rows(*cursor);
 }
 
 } // namespace quillet::headoffice

@@ -35,6 +35,26 @@ void RequestLog::write(const rds::CallRecord& record) {
     if (!record.error.empty())
         line += ", " + record.error;
     const std::lock_guard lock(mutex_);
+    write(line);
+}
+
+void RequestLog::refused(std::string_view reason, const std::string& peer) {
+    const std::lock_guard lock(mutex_);
+    const auto now = std::chrono::steady_clock::now();
+    const auto [entry, isNew] = refused_.try_emplace(std::string(reason));
+    Refused& latest = entry->second;
+    if (!isNew && now - latest.last < std::chrono::seconds(1)) {
+        ++latest.unsaid;
+        return;
+    }
+    std::string line = peer + " refused: " + std::string(reason);
+    if (latest.unsaid > 0)
+        line += ", and " + std::to_string(latest.unsaid) + " more since the last one";
+    latest = {now, 0};
+    write(line);
+}
+
+void RequestLog::write(const std::string& line) {
     out_ << db::dateTimeText(clock_()) << ' ' << withoutSecrets(line) << std::endl;
 }
 

@@ -3,7 +3,11 @@
 #include "db/Clock.h"
 #include "rds/CallServer.h"
 
+#include <chrono>
+#include <cstddef>
+#include <functional>
 #include <iosfwd>
+#include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -19,10 +23,22 @@ public:
 
     void write(const rds::CallRecord& record);
 
+    /// A client that got no further, at most once a second for each reason, so that nobody can fill
+    /// the log by being refused: `2024-05-01 12:00:00 10.0.0.5:50012 refused: not allowed`.
+    void refused(std::string_view reason, const std::string& peer);
+
 private:
+    struct Refused {
+        std::chrono::steady_clock::time_point last;
+        std::size_t unsaid = 0;
+    };
+
+    void write(const std::string& line);
+
     std::ostream& out_;
     db::Clock clock_;
     std::mutex mutex_;
+    std::map<std::string, Refused, std::less<>> refused_; ///< by reason
 };
 
 /// The text on one line and without passwords: control characters become blanks, the values of

@@ -1,6 +1,7 @@
 #include "db/Error.h"
 #include "headoffice/HeadOffice.h"
 #include "headoffice/Options.h"
+#include "headoffice/database/DatabaseProbe.h"
 
 #include <clocale>
 #include <exception>
@@ -9,6 +10,19 @@
 #include <vector>
 
 using namespace quillet;
+
+namespace {
+
+int check(const headoffice::Options& options) {
+    bool allAnswer = true;
+    for (const headoffice::DatabaseState& state : headoffice::DatabaseProbe(options).look()) {
+        std::cout << state.name << ": " << (state.answers ? "ok" : state.reason) << '\n';
+        allAnswer = allAnswer && state.answers;
+    }
+    return allAnswer ? 0 : 1;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     // The ODBC driver manager converts text by the locale for drivers without Unicode calls.
@@ -20,17 +34,14 @@ int main(int argc, char** argv) {
         std::cerr << "quillet-headoffice: " << error.what() << '\n';
         return 2;
     }
-    if (options.help) {
-        std::cout << headoffice::helpText();
-        return 0;
-    }
-    if (options.version) {
-        std::cout << headoffice::versionText() << '\n';
+    if (!options.information.empty()) {
+        std::cout << options.information;
         return 0;
     }
     try {
+        if (options.check)
+            return check(options);
         headoffice::HeadOffice office(options, std::cout);
-        std::cout << "Listening on " << options.address << ", port " << office.port() << std::endl;
         office.run();
         std::cout << "Stopped" << std::endl;
         return 0;

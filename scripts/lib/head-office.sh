@@ -4,6 +4,7 @@
 #
 #   head_office_start DIR COMMAND ...  start a server, which leaves its port in DIR/port; sets
 #                                      HEAD_OFFICE_PORT. What it prints is in DIR/head-office.log
+#   head_office_guards COMMAND ...     GUARDS are the options with which that is done
 #   head_office_kill                   end it from one moment to the next; the next start gets the
 #                                      same port
 #   head_office_settings               print a counter's settings file
@@ -17,11 +18,21 @@ HEAD_OFFICE_PORT=''
 head_office__pid=''
 head_office__port='' # of the next start, if it must be a certain one
 
+# head_office_guards COMMAND ...: GUARDS are the options that let counters into the sample chain and
+# nothing else; none for a program from before there were any.
+head_office_guards() {
+    GUARDS=()
+    if "$@" --help 2> /dev/null | grep -q -e '--database'; then
+        GUARDS=(--database "$CHAIN_HOST:$CHAIN_PORT/$CHAIN_DB")
+    fi
+}
+
 head_office_start() {
     local port_file=$1/port log=$1/head-office.log
     shift
     rm -f -- "$port_file"
-    "$@" --listen "127.0.0.1:${head_office__port:-0}" --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
+    head_office_guards "$@"
+    "$@" "${GUARDS[@]}" --listen "127.0.0.1:${head_office__port:-0}" --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
     head_office__pid=$!
     for _ in {1..300}; do
         [[ ! -s $port_file ]] && kill -0 "$head_office__pid" 2> /dev/null || break

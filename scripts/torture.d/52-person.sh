@@ -12,8 +12,9 @@ phases=(first stamps collecting batch middle commit sweep settings last)
 second_office_start() {
     mkdir -p "$torture__dir/second-office"
     rm -f -- "$torture__dir/second-office/port"
-    ODBCSYSINI=$CHAIN_ODBCSYSINI "$torture__programs/quillet-headoffice" --listen 127.0.0.1:0 \
-        --object "$HEAD_OFFICE_OBJECT" --port-file "$torture__dir/second-office/port" \
+    head_office_guards "$torture__programs/quillet-headoffice"
+    ODBCSYSINI=$CHAIN_ODBCSYSINI "$torture__programs/quillet-headoffice" "${GUARDS[@]}" \
+        --listen 127.0.0.1:0 --object "$HEAD_OFFICE_OBJECT" --port-file "$torture__dir/second-office/port" \
         > "$torture__dir/second-office/log" 2>&1 &
     SECOND_OFFICE=$!
     torture__track "$SECOND_OFFICE"

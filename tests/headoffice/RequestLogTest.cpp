@@ -1,8 +1,5 @@
 #include "headoffice/RequestLog.h"
 
-#include "db/Error.h"
-#include "headoffice/Options.h"
-
 #include <gmock/gmock.h>
 
 #include <sstream>
@@ -32,21 +29,6 @@ TEST(RequestLog, WritesOneLineWithoutPasswords) {
 
     EXPECT_EQ(headoffice::withoutSecrets("a;pwd={p;}}q};b;Password=r"), "a;pwd=***;b;Password=***");
     EXPECT_EQ(headoffice::withoutSecrets("PWD={open;b"), "PWD=***");
-}
-
-TEST(Options, ReadsTheCommandLine) {
-    const auto options = headoffice::parseOptions(
-        {"--listen", "[::1]:0", "--object", "a.b", "--return-arguments", "--port-file", "p"});
-    EXPECT_EQ(options.address, "::1");
-    EXPECT_EQ(options.port, 0);
-    EXPECT_EQ(options.queryObject, "a.b");
-    EXPECT_TRUE(options.returnArguments);
-    EXPECT_EQ(options.portFile, "p");
-    EXPECT_EQ(headoffice::parseOptions({"--listen", "localhost:65535"}).port, 65535);
-    for (const char* listen : {"8080", ":8080", "host:", "host:65536", "host:x", "::1:80"})
-        EXPECT_THROW(headoffice::parseOptions({"--listen", listen}), db::Error) << listen;
-    EXPECT_THROW(headoffice::parseOptions({"--listen"}), db::Error);
-    EXPECT_THROW(headoffice::parseOptions({"--wrong"}), db::Error);
 }
 
 } // namespace

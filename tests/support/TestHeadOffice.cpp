@@ -54,7 +54,8 @@ std::string TestHeadOffice::databaseUser() {
     return environment("CHAIN_USER");
 }
 
-TestHeadOffice::TestHeadOffice() : name_("quillet_test_" + std::to_string(std::random_device{}())) {
+TestHeadOffice::TestHeadOffice(headoffice::Options options)
+    : name_("quillet_test_" + std::to_string(std::random_device{}())) {
     {
         db::Connection server;
         server.Open(connectionStringOf(environment("CHAIN_DB")));
@@ -62,8 +63,9 @@ TestHeadOffice::TestHeadOffice() : name_("quillet_test_" + std::to_string(std::r
     }
     database_.Open(connectionString());
     load("schema.sql");
-    headoffice::Options options;
-    options.port = 0;
+    options.listen.port = 0;
+    options.databases.push_back(headoffice::DatabaseName::parse(
+        environment("CHAIN_HOST") + ':' + environment("CHAIN_PORT") + '/' + name_));
     office_ = std::make_unique<Running<headoffice::HeadOffice>>(options, log_);
 }
 
@@ -80,6 +82,11 @@ TestHeadOffice::~TestHeadOffice() {
     } catch (const db::Error&) {
         return; // the server goes with the test run anyway
     }
+}
+
+std::string TestHeadOffice::log() {
+    office_->stop();
+    return log_.str();
 }
 
 std::string TestHeadOffice::value(const std::string& query) {

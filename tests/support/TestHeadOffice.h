@@ -17,7 +17,8 @@ public:
     /// Whether scripts/test (or a person) has a MariaDB server running for us.
     static bool isAvailable();
 
-    TestHeadOffice();
+    /// @param options of the server; port and database are filled in.
+    explicit TestHeadOffice(headoffice::Options options = {});
     ~TestHeadOffice();
     TestHeadOffice(const TestHeadOffice&) = delete;
     TestHeadOffice& operator=(const TestHeadOffice&) = delete;
@@ -30,6 +31,9 @@ public:
 
     /// First column of a query's first row, as text.
     std::string value(const std::string& query);
+
+    /// What the server's log says once it has stopped.
+    std::string log();
 
     /// "127.0.0.1:port" of the HTTP server.
     std::string address() const { return office_->address(); }

@@ -1,0 +1,93 @@
+#include "headoffice/database/DatabasePool.h"
+
+#include "db/Error.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillet::headoffice {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// After this time an idle session is tried before it is lent: the database may have closed it.
+constexpr auto Fresh = std::chrono::seconds(1);
+
+} // namespace
+
+DatabasePool::DatabasePool(Open open, Limits limits) : open_(std::move(open)), limits_(limits) {}
+
+DatabaseSession DatabasePool::lend(const DatabaseLogin& login, std::stop_token gone) {
+    auto engine = takeIdle(login);
+    if (!engine)
+        engine = open(login);
+    {
+        const std::lock_guard lock(mutex_);
+        ++inUse_;
+    }
+    return {*this, login, std::move(engine), std::move(gone), limits_.call};
+}
+
+DatabasePool::Counts DatabasePool::counts() {
+    std::list<Idle> old;
+    const std::lock_guard lock(mutex_);
+    removeOld(old);
+    return {inUse_ + idle_.size(), inUse_};
+}
+
+std::unique_ptr<db::Engine> DatabasePool::takeIdle(const DatabaseLogin& login) {
+    for (;;) {
+        std::list<Idle> old; // closed when nobody waits for the lock
+        std::list<Idle> found;
+        {
+            const std::lock_guard lock(mutex_);
+            removeOld(old);
+            const auto match = std::find_if(idle_.begin(), idle_.end(),
+                                            [&](const Idle& idle) { return idle.login == login; });
+            if (match == idle_.end())
+                return nullptr;
+            found.splice(found.begin(), idle_, match);
+        }
+        Idle& idle = found.front();
+        if (Clock::now() - idle.since < Fresh || idle.engine->reset())
+            return std::move(idle.engine);
+    }
+}
+
+std::unique_ptr<db::Engine> DatabasePool::open(const DatabaseLogin& login) try {
+    return open_(login);
+} catch (const db::Error& error) {
+    const auto& records = error.providerRecords();
+    const std::string state = records.empty() ? "" : records.front().SqlState;
+    // 28000: who comes is refused. 42000: there is no such database, or not for this user.
+    throw db::providerError(state == "28000" || state == "42000" ? state : "08001",
+                            state == "28000" || state == "42000"
+                                ? "The database does not let this user in."
+                                : "The database does not answer.");
+}
+
+void DatabasePool::giveBack(const DatabaseLogin& login,
+                            std::unique_ptr<db::Engine> engine) noexcept {
+    std::list<Idle> returned;
+    try {
+        if (engine->reset())
+            returned.push_back({login, std::move(engine), Clock::now()});
+    } catch (const std::exception&) {
+        engine.reset(); // which is closed instead
+    }
+    engine.reset();
+    std::list<Idle> old;
+    const std::lock_guard lock(mutex_);
+    --inUse_;
+    idle_.splice(idle_.begin(), returned);
+    removeOld(old);
+}
+
+void DatabasePool::removeOld(std::list<Idle>& removed) {
+    const auto oldest = Clock::now() - limits_.keep;
+    while (!idle_.empty() && (idle_.size() > limits_.idle || idle_.back().since < oldest))
+        removed.splice(removed.begin(), idle_, std::prev(idle_.end()));
+}
+
+} // namespace quillet::headoffice

@@ -1,0 +1,54 @@
+#include "headoffice/database/DatabaseProbe.h"
+
+#include "db/AsciiText.h"
+#include "db/Error.h"
+#include "headoffice/database/OpenDatabase.h"
+
+#include <fstream>
+
+namespace quillet::headoffice {
+
+namespace {
+
+constexpr const char* AccessDenied = "28000";
+constexpr const char* Stranger = "quillet-probe";
+
+std::string firstLineOf(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    std::string line;
+    if (!std::getline(stream, line))
+        throw db::Error(db::number::FileAccess, "Cannot read the password's file " + file.string());
+    return std::string(db::trimmed(line, "\r\n"));
+}
+
+std::string stateOf(const db::Error& error) {
+    return error.providerRecords().empty() ? "" : error.providerRecords().front().SqlState;
+}
+
+} // namespace
+
+DatabaseProbe::DatabaseProbe(const Options& options)
+    : databases_(options.databases), driver_(options.driver), user_(options.user),
+      password_(options.passwordFile.empty() ? "" : firstLineOf(options.passwordFile)) {}
+
+std::vector<DatabaseState> DatabaseProbe::look() const {
+    std::vector<DatabaseState> result;
+    for (const DatabaseName& database : databases_)
+        result.push_back(look(database));
+    return result;
+}
+
+DatabaseState DatabaseProbe::look(const DatabaseName& database) const {
+    DatabaseState state{database.text(), true, {}};
+    try {
+        openDatabase({database, user_.empty() ? Stranger : user_, password_, 0}, driver_)
+            ->query("SELECT 1")
+            ->next();
+    } catch (const db::Error& error) {
+        state.answers = user_.empty() && stateOf(error) == AccessDenied;
+        state.reason = state.answers ? "" : error.Description();
+    }
+    return state;
+}
+
+} // namespace quillet::headoffice

@@ -1,0 +1,69 @@
+#include "headoffice/database/DatabaseSession.h"
+
+#include "db/Error.h"
+#include "headoffice/database/DatabasePool.h"
+
+#include <utility>
+
+namespace quillet::headoffice {
+
+DatabaseSession::DatabaseSession(DatabasePool& pool, DatabaseLogin login,
+                                 std::unique_ptr<db::Engine> engine, std::stop_token gone,
+                                 std::chrono::seconds limit)
+    : pool_(pool), login_(std::move(login)), engine_(std::move(engine)), limit_(limit) {
+    watch_.emplace(*engine_, std::move(gone), limit);
+}
+
+DatabaseSession::~DatabaseSession() {
+    watch_.reset();
+    pool_.giveBack(login_, std::move(engine_));
+}
+
+std::unique_ptr<db::Cursor> DatabaseSession::query(const std::string& sql) try {
+    limitTime();
+    run("START TRANSACTION READ ONLY");
+    watch_->require();
+    return engine_->query(sql);
+} catch (const db::Error&) {
+    explain();
+    throw;
+}
+
+void DatabaseSession::write(const std::vector<std::string>& statements) try {
+    limitTime();
+    watch_->require();
+    engine_->begin();
+    for (const std::string& statement : statements)
+        run(statement);
+    watch_->require();
+    engine_->commit();
+} catch (const db::Error&) {
+    explain();
+    throw;
+}
+
+/// The database ends a statement by itself as well, should this program be gone by then. MariaDB
+/// counts seconds, MySQL milliseconds under another name; what knows neither has the watch alone.
+void DatabaseSession::limitTime() {
+    const std::string seconds = std::to_string(limit_.count());
+    try {
+        run("SET SESSION max_statement_time = " + seconds);
+        return;
+    } catch (const db::Error& error) {
+        if (error.Number() == db::number::Canceled)
+            throw;
+    }
+    try {
+        run("SET SESSION max_execution_time = " + seconds + "000");
+    } catch (const db::Error& error) {
+        if (error.Number() == db::number::Canceled)
+            throw;
+    }
+}
+
+void DatabaseSession::run(const std::string& statement) {
+    watch_->require();
+    engine_->execute(statement);
+}
+
+} // namespace quillet::headoffice
