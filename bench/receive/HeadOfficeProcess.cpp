@@ -9,11 +9,11 @@
 
 namespace quillet::bench {
 
-HeadOfficeProcess::HeadOfficeProcess(const Site& site) {
+HeadOfficeProcess::HeadOfficeProcess(const std::filesystem::path& program) {
     const std::filesystem::path portFile = folder_ / "port";
     process_.setStandardOutputFile(QProcess::nullDevice());
     process_.setStandardErrorFile(QProcess::nullDevice());
-    process_.start(QString::fromStdString(db::textOf(site.headOffice)),
+    process_.start(QString::fromStdString(db::textOf(program)),
                    {"--listen", "127.0.0.1:0", "--object", "quorin.data", "--port-file",
                     QString::fromStdString(db::textOf(portFile))});
     std::string port;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "bench/receive/Site.h"
 #include "tests/support/TempFolder.h"
 
 #include <QProcess>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 
 namespace quillet::bench {
@@ -14,7 +14,7 @@ namespace quillet::bench {
 class HeadOfficeProcess {
 public:
     /// @throws std::runtime_error when it does not come up.
-    explicit HeadOfficeProcess(const Site& site);
+    explicit HeadOfficeProcess(const std::filesystem::path& program);
     ~HeadOfficeProcess();
     HeadOfficeProcess(const HeadOfficeProcess&) = delete;
     HeadOfficeProcess& operator=(const HeadOfficeProcess&) = delete;

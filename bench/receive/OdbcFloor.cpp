@@ -1,5 +1,4 @@
 #include "bench/receive/Floors.h"
-#include "headoffice/RowByRow.h"
 
 #include <vector>
 
@@ -13,7 +12,7 @@ constexpr std::size_t CellSize = std::size_t{64} * 1024;
 
 FetchFloor::FetchFloor(const std::string& connectionString)
     : connection_(SQL_HANDLE_DBC, SQL_HANDLE_ENV, environment_.get()) {
-    db::OdbcText text(headoffice::readingRowByRow(connectionString));
+    db::OdbcText text(connectionString);
     connection_.check(SQLDriverConnectW(connection_.get(), nullptr, text.data(), SQL_NTS, nullptr,
                                         0, nullptr, SQL_DRIVER_NOPROMPT));
 }

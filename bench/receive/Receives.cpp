@@ -130,7 +130,7 @@ private:
 
 void measureReceives(Report& report, const Site& site, const Chain& large, const Chain& small,
                      int rounds) {
-    const HeadOfficeProcess headOffice(site);
+    const HeadOfficeProcess headOffice(site.headOffice);
     for (const bool received : {false, true}) {
         const std::string name = received ? "full update" : "first receive";
         std::cerr << name << ": warming up" << std::endl;

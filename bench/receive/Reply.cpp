@@ -14,13 +14,13 @@ void measureReply(Report& report, const Site& site, const Chain& chain) {
     std::cerr << "one large reply" << std::endl;
     std::string ServerSql;
     {
-        const HeadOfficeProcess headOffice(site);
+        const HeadOfficeProcess headOffice(site.headOffice);
         Counter counter(site, headOffice.address(), chain.database);
         for (const std::string& query : counter.receiveInWindow().ServerQueries)
             if (query.find("CTMEM") != std::string::npos)
                 ServerSql = query + " UNION ALL " + query;
     }
-    const HeadOfficeProcess headOffice(site); // whose peak is this reply's alone
+    const HeadOfficeProcess headOffice(site.headOffice); // whose peak is this reply's alone
     rds::RemoteObject object =
         rds::DataSpace().CreateObject("quorin.data", "http://" + headOffice.address());
     rds::Variant information;
@@ -30,7 +30,7 @@ void measureReply(Report& report, const Site& site, const Chain& chain) {
                     std::to_string(rows.RecordCount()) + " rows",
                 "MiB",
                 {static_cast<double>(headOffice.peakMemory()) / 1024 / 1024},
-                64,
+                24,
                 Figure::Goal::AtMost,
                 Figure::Quote::Maximum});
 }

@@ -9,6 +9,7 @@ namespace quillet::bench {
 struct Site {
     std::filesystem::path quillet;
     std::filesystem::path headOffice;
+    std::filesystem::path earlierHeadOffice; ///< to compare with; may be empty
     std::string databaseServer; ///< as it stands in a counter's settings: "127.0.0.1;PORT=3307"
     std::string databaseUser;
 

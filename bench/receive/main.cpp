@@ -21,6 +21,7 @@ int main(int argc, char* argv[]) {
     };
     const auto quilletProgram = option("quillet", "program");
     const auto headOfficeProgram = option("head-office", "program");
+    const auto earlierHeadOffice = option("earlier-head-office", "program");
     const auto databaseServer = option("database-server", "server");
     const auto databaseUser = option("database-user", "user");
     const auto large = option("large", "database");
@@ -32,7 +33,7 @@ int main(int argc, char* argv[]) {
 
     try {
         const bench::Site site{db::pathOf(quilletProgram()), db::pathOf(headOfficeProgram()),
-                               databaseServer(), databaseUser()};
+                               db::pathOf(earlierHeadOffice()), databaseServer(), databaseUser()};
         const bench::Chain largeChain{large(), std::stoi(members())};
         const bench::Chain smallChain{small()};
         const int n = std::stoi(rounds());
@@ -42,6 +43,7 @@ int main(int argc, char* argv[]) {
         bench::measureFind(report, largeChain.members);
         bench::measureReceives(report, site, largeChain, smallChain, n);
         bench::measureReply(report, site, largeChain);
+        bench::measureServers(report, site, largeChain, n);
         bench::measureCounters(report, site, smallChain, 32, n);
         report.print(std::cout);
         report.writeCsv(db::pathOf(csv()));
