@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <sstream>
 #include <utility>
 
 namespace quillet::rds {
@@ -24,24 +23,6 @@ using Refusal = HttpServer::Refusal;
 constexpr auto LingerTime = std::chrono::seconds(1);
 /// Bytes behind a request; clients that send more before they have their reply are up to no good.
 constexpr std::size_t MaxIgnored = 64U << 10U;
-
-std::string textOf(const tcp::endpoint& peer) {
-    std::ostringstream text;
-    text << peer;
-    return text.str();
-}
-
-/// Whom a connection counts for. A host with IPv6 has a whole network's worth of addresses.
-std::string clientOf(const asio::ip::address& address) {
-    if (address.is_v4())
-        return address.to_string();
-    auto v6 = address.to_v6();
-    if (v6.is_v4_mapped())
-        return asio::ip::make_address_v4(asio::ip::v4_mapped, v6).to_string();
-    auto bytes = v6.to_bytes();
-    std::fill(bytes.begin() + bytes.size() / 2, bytes.end(), std::uint8_t{0});
-    return asio::ip::address_v6(bytes).to_string();
-}
 
 RequestRefusal refusalOf(Refusal reason) {
     switch (reason) {
@@ -58,8 +39,9 @@ RequestRefusal refusalOf(Refusal reason) {
 
 ServerConnection::ServerConnection(const ServerParts& parts, tcp::socket socket,
                                    const tcp::endpoint& peer)
-    : parts_(parts), socket_(std::move(socket)), address_(peer.address()), peer_(textOf(peer)),
-      client_(clientOf(address_)), timer_(socket_.get_executor()), charge_(parts.budget, client_) {
+    : parts_(parts), socket_(std::move(socket)), address_(peer),
+      deadline_(socket_.get_executor(), [this] { timeIsUp(); }),
+      charge_(parts.budget, address_.client) {
     error_code ignored;
     socket_.set_option(tcp::no_delay(true), ignored);
 }
@@ -83,7 +65,7 @@ void ServerConnection::start() {
 
 void ServerConnection::readBody() {
     const auto& admits = parts_.options.admits;
-    if (admits && !admits->contains(address_.to_string()))
+    if (admits && !admits->contains(address_.host))
         refuse(Refusal::NotAllowed);
     else if (const auto refusal = reader_->checkHead())
         answer(*refusal);
@@ -127,18 +109,18 @@ void ServerConnection::readOn() {
 }
 
 void ServerConnection::requestComplete() {
-    if (!parts_.connections.mayEngage(client_)) {
+    if (!parts_.connections.mayEngage(client())) {
         refuse(Refusal::QueueFull);
         return;
     }
     request_ = reader_->release();
     reader_.reset();
     bodySize_ = request_.body.size();
-    request_.peer = peer_;
+    request_.peer = address_.text;
     gone_ = std::stop_source();
     request_.gone = gone_.get_token();
     state_ = State::Queued;
-    limit(Clock::time_point::max());
+    limit(Deadline::Never);
     watch();
     parts_.admission.offer(shared_from_this());
 }
@@ -154,7 +136,7 @@ void ServerConnection::answer(const RequestRefusal& refusal) {
     state_ = State::Refusing;
     reader_.reset();
     request_ = {};
-    charge_.keep(0);
+    releaseMemory();
     limit(Clock::now() + LingerTime);
     sending_ = errorReply(refusal.status, refusal.text);
     asio::async_write(socket_, asio::buffer(sending_),
@@ -168,10 +150,15 @@ void ServerConnection::answer(const RequestRefusal& refusal) {
                       });
 }
 
+void ServerConnection::releaseMemory() {
+    charge_.keep(0);
+    parts_.admission.dispatch();
+}
+
 void ServerConnection::tell(Refusal reason) const noexcept {
     try {
         if (parts_.options.onRefusal)
-            parts_.options.onRefusal(reason, peer_);
+            parts_.options.onRefusal(reason, address_.text);
     } catch (const std::exception&) { // its own affair
     }
 }
@@ -288,9 +275,9 @@ void ServerConnection::sendSome() {
 /// its reply.
 void ServerConnection::linger() {
     state_ = State::Lingering;
-    if (!running_)
-        charge_.keep(0);
     sending_ = {};
+    if (!running_)
+        releaseMemory();
     limit(Clock::now() + LingerTime);
     error_code error;
     socket_.shutdown(tcp::socket::shutdown_send, error);
@@ -303,31 +290,17 @@ void ServerConnection::linger() {
 // Time
 
 void ServerConnection::limit(Clock::time_point deadline) {
-    deadline_ = deadline;
-    if (timing_ ? deadline >= timer_.expiry() : deadline == Clock::time_point::max())
-        return; // timeIsUp() looks again
-    timing_ = true;
-    timer_.expires_at(deadline);
-    timer_.async_wait([self = shared_from_this()](error_code error) {
-        if (error != asio::error::operation_aborted)
-            self->timeIsUp();
-    });
+    deadline_.set(deadline, shared_from_this());
 }
 
 void ServerConnection::timeIsUp() {
-    timing_ = false;
-    const auto now = Clock::now();
-    if (state_ == State::Closed)
-        return;
-    if (now < deadline_)
-        limit(deadline_);
-    else if (state_ == State::Answering)
-        abandon(now >= replyEnd_ ? "the time for its reply is up" : "it does not take its reply");
-    else {
-        if (state_ == State::Reading)
-            tell(Refusal::TooSlow);
+    if (state_ == State::Reading)
+        tell(Refusal::TooSlow);
+    if (state_ != State::Answering)
         close();
-    }
+    else
+        abandon(Clock::now() >= replyEnd_ ? "the time for its reply is up"
+                                          : "it does not take its reply");
 }
 
 // Closing
@@ -372,7 +345,7 @@ void ServerConnection::close() {
     const auto self = shared_from_this(); // it may be the table's
     error_code ignored;
     socket_.close(ignored);
-    timer_.cancel();
+    deadline_.cancel();
     if (!running_)
         charge_.keep(0); // operations that still end need the buffers
     parts_.connections.remove(*this);

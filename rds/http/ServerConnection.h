@@ -3,13 +3,14 @@
 // Internal to the server: it brings Boost with it.
 
 #include "rds/http/Admission.h"
+#include "rds/http/ClientAddress.h"
+#include "rds/http/Deadline.h"
 #include "rds/http/HttpServer.h"
 #include "rds/http/MemoryBudget.h"
 #include "rds/http/ReplyBuffer.h"
 #include "rds/http/RequestReader.h"
 
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
 
 #include <array>
 #include <chrono>
@@ -38,7 +39,7 @@ struct ServerParts {
 /// the network thread but for run(), which meets the rest in the ReplyBuffer.
 class ServerConnection : public ServerTask, public std::enable_shared_from_this<ServerConnection> {
 public:
-    using Clock = std::chrono::steady_clock;
+    using Clock = Deadline::Clock;
 
     /// @param parts must live longer.
     ServerConnection(const ServerParts& parts, boost::asio::ip::tcp::socket socket,
@@ -66,7 +67,7 @@ public:
     }
 
     Clock::time_point since() const noexcept { return since_; } ///< when it was accepted
-    const std::string& client() const override { return client_; }
+    const std::string& client() const override { return address_.client; }
 
     bool prepare() override;
     void run() noexcept override;
@@ -80,6 +81,7 @@ private:
     void readOn();
     void requestComplete();
     void answer(const RequestRefusal& refusal);
+    void releaseMemory();
     void tell(HttpServer::Refusal reason) const noexcept;
 
     void watch();
@@ -98,16 +100,11 @@ private:
 
     const ServerParts& parts_;
     boost::asio::ip::tcp::socket socket_;
-    const boost::asio::ip::address address_;
-    const std::string peer_;
-    const std::string client_;
+    const ClientAddress address_;
     const Clock::time_point since_ = Clock::now();
     State state_ = State::Reading;
 
-    boost::asio::steady_timer timer_;
-    Clock::time_point deadline_ = Clock::time_point::max();
-    bool timing_ = false;
-
+    Deadline deadline_;
     MemoryBudget::Charge charge_;
     std::optional<RequestReader> reader_;
     HttpRequest request_; ///< while running, run()'s
