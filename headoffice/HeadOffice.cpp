@@ -163,8 +163,7 @@ void HeadOffice::written(const UpdateStatement& update, const std::string& peer)
 std::vector<admin::DatabaseHealth> HeadOffice::health() const {
     std::vector<admin::DatabaseHealth> result;
     for (const DatabaseState& state : probe_.look())
-        result.push_back({state.name, state.answers,
-                          state.answers ? "" : "it does not answer, or not as it should"});
+        result.push_back({state.name, state.answers, state.reason});
     return result;
 }
 

@@ -57,6 +57,10 @@ Error mariaDbLoginError(MYSQL* connection) {
     case CR_AUTH_PLUGIN_ERR:
         return providerError(
             "28000", "The database server asks for a log-in of a kind that is not allowed.");
+    case CR_CONNECTION_ERROR:
+    case CR_CONN_HOST_ERROR:
+    case CR_UNKNOWN_HOST:
+        return providerError("08001", "The database server does not answer.");
     default:
         return providerError("08001", "The database server cannot be used (" +
                                           std::to_string(number) + ").");

@@ -87,7 +87,7 @@ public:
 
     void cross(std::size_t minute, std::uint64_t height) {
         const std::uint64_t y = std::max<std::uint64_t>(Bottom - height, Top) - 9;
-        path("cross", "M" + point(center(minute) - 3, y - 3) + "l6 6m0 -6l-6 6");
+        path("cross", moveTo(center(minute) - 3, y - 3) + "l6 6m0 -6l-6 6");
     }
 
     void path(const char* look, const std::string& commands) {
@@ -108,17 +108,23 @@ public:
 
     static std::uint64_t center(std::size_t minute) { return Left + minute * Step + Step / 2; }
 
+    static std::string moveTo(std::uint64_t x, std::uint64_t y) {
+        std::string command = "M";
+        command += point(x, y);
+        return command;
+    }
+
     static std::string point(std::uint64_t x, std::uint64_t y) {
         return std::to_string(x) + ' ' + std::to_string(y);
     }
 
     std::string finished() {
-        path("base", "M" + point(Left, Bottom) + 'H' + std::to_string(Right));
+        path("base", moveTo(Left, Bottom) + 'H' + std::to_string(Right));
         return svg_ + "</svg>\n";
     }
 
 private:
-    void line(std::uint64_t y) { path("grid", "M" + point(Left, y) + 'H' + std::to_string(Right)); }
+    void line(std::uint64_t y) { path("grid", moveTo(Left, y) + 'H' + std::to_string(Right)); }
 
     void text(std::uint64_t x, std::uint64_t y, const char* anchor, const std::string& words) {
         svg_ += "<text x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) +

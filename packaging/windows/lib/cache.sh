@@ -6,7 +6,7 @@
 #   cache_home                where everything is kept
 #   cache_qt WIDTH            where Qt is installed
 #   cache_sqlite WIDTH        where SQLite is installed
-#   cache_boost               a folder with nothing but Boost's headers
+#   cache_headers             a folder with nothing but the headers of Boost and CLI11
 #
 # The folder is QUILLET_WINDOWS_CACHE, by default quillet-windows in the user's cache folder. A
 # change of the recipe below asks for a new recipe number.
@@ -21,19 +21,20 @@ cache_sqlite() { printf '%s/sqlite-%s-%s' "$cache__home" "$cache__recipe" "$1"; 
 
 cache_has() { [[ -e $(cache_qt "$1")/.complete && -e $(cache_sqlite "$1")/.complete ]]; }
 
-cache_boost() { printf '%s/boost' "$cache__home"; }
+cache_headers() { printf '%s/headers' "$cache__home"; }
 
 # The steps are chained: bash does not stop at a failing command where the caller asks for the
 # outcome. One at a time: a second build in the same folder would clear away the first one's.
 cache_fill() (
-    ! cache_has "$1" || [[ ! -e $(cache_boost)/boost ]] || exit 0 # nothing to wait for
-    mkdir -p "$(cache_boost)" && exec 9> "$cache__home/lock" || exit 1
+    ! cache_has "$1" || [[ ! -e $(cache_headers)/CLI ]] || exit 0 # nothing to wait for
+    mkdir -p "$(cache_headers)" && exec 9> "$cache__home/lock" || exit 1
     if ! flock -n 9; then
         echo "$cache__home is being filled already: waiting" >&2
         flock 9 || exit 1
     fi
     # The compiler must never see the rest of the system's own headers.
-    ln -sfn /usr/include/boost "$(cache_boost)/boost" || exit 1
+    ln -sfn /usr/include/boost "$(cache_headers)/boost" &&
+        ln -sfn /usr/include/CLI "$(cache_headers)/CLI" || exit 1
     [[ -e $(cache_sqlite "$1")/.complete ]] || cache__sqlite "$1" || exit 1
     [[ -e $(cache_qt "$1")/.complete ]] || cache__qt "$1"
 )

@@ -17,8 +17,8 @@ programs__system_dlls=(advapi32 api-ms-win-core-synch-l1-2-0 api-ms-win-core-win
     user32 userenv uxtheme version winmm winspool.drv ws2_32 wtsapi32)
 
 programs_packages() {
-    setup_more_packages "$@" g++ cmake ninja-build libboost-dev qt6-base-dev dpkg-dev make tcl \
-        g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
+    setup_more_packages "$@" g++ cmake ninja-build libboost-dev libcli11-dev qt6-base-dev dpkg-dev \
+        make tcl g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
 }
 
 programs_folder() { printf '%s/build/windows/%s/counter' "$programs__root" "$1"; }
@@ -28,15 +28,16 @@ programs_version() {
 }
 
 programs_build() {
-    local width=$1 build=$programs__root/build/windows/$1 qt boost sqlite
-    qt=$(cache_qt "$width") boost=$(cache_boost) sqlite=$(cache_sqlite "$width")
+    local width=$1 build=$programs__root/build/windows/$1 qt headers sqlite
+    qt=$(cache_qt "$width") headers=$(cache_headers) sqlite=$(cache_sqlite "$width")
     mkdir -p "$build"
     setup__say "building for Windows ($width)"
     cmake -G Ninja -S "$programs__root" -B "$build" -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_TOOLCHAIN_FILE="$qt/lib/cmake/Qt6/qt.toolchain.cmake" \
         -DQT_CHAINLOAD_TOOLCHAIN_FILE="$programs__here/toolchain/$width.cmake" \
         -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR="/usr/lib/$(gcc -print-multiarch)/cmake" \
-        -DQUILLET_BUILD_TESTS=OFF -DBoost_INCLUDE_DIR="$boost" \
+        -DQUILLET_BUILD_TESTS=OFF -DBoost_INCLUDE_DIR="$headers" \
+        -DCLI11_INCLUDE_DIR="$headers" \
         -DSQLite3_INCLUDE_DIR="$sqlite/include" -DSQLite3_LIBRARY="$sqlite/lib/libsqlite3.a" \
         > "$build/configure.log" 2>&1 || { tail -n 30 "$build/configure.log" >&2; return 1; }
     cmake --build "$build" --target "${programs__names[@]}" > "$build/build.log" 2>&1 ||
