@@ -12,18 +12,20 @@ using Refusal = HttpServer::Refusal;
 
 Admission::Admission(boost::asio::io_context& context, std::size_t workers, std::size_t maxQueued,
                      std::function<void()> changed)
-    : context_(context), maxQueued_(maxQueued), workers_(workers), changed_(std::move(changed)) {}
+    : context_(context), maxQueued_(maxQueued), workers_(workers),
+      perClient_(std::max<std::size_t>(1, workers - (workers + 3) / 4)),
+      changed_(std::move(changed)) {}
 
 void Admission::start() {
+    threads_.emplace_back([this] { work(); });
+}
+
+void Admission::addWorker() {
     try {
-        while (threads_.size() < workers_)
-            threads_.emplace_back([this] { work(); });
+        threads_.emplace_back([this] { work(); });
     } catch (const std::system_error&) {
-        if (threads_.empty())
-            throw;
+        workers_ = threads_.size(); // as many as the system allows
     }
-    workers_ = threads_.size();
-    perClient_ = std::max<std::size_t>(1, workers_ - (workers_ + 3) / 4);
 }
 
 void Admission::offer(std::shared_ptr<ServerTask> task) {
@@ -101,6 +103,8 @@ bool Admission::startNext() {
             continue;
         ++line.running;
         ++running_;
+        if (running_ > threads_.size())
+            addWorker();
         auto task = take(line, 0);
         {
             const std::lock_guard lock(mutex_);

@@ -55,8 +55,8 @@ public:
     Admission(const Admission&) = delete;
     Admission& operator=(const Admission&) = delete;
 
-    /// Starts the workers, or as many of them as the system allows.
-    /// @throws std::system_error when it allows none.
+    /// Starts the first worker; the others come when they are needed.
+    /// @throws std::system_error when the system allows none.
     void start();
 
     /// Queues a task, or refuses it or another one.
@@ -85,6 +85,7 @@ private:
     Line* longestLine();
     std::shared_ptr<ServerTask> take(Line& line, std::size_t position);
     bool startNext();
+    void addWorker();
     void refuseFront();
     void work();
     void ended(ServerTask& task);
@@ -92,7 +93,7 @@ private:
     boost::asio::io_context& context_;
     const std::size_t maxQueued_;
     std::size_t workers_;
-    std::size_t perClient_ = 1; ///< workers
+    const std::size_t perClient_; ///< workers
     std::function<void()> changed_;
     std::vector<std::thread> threads_;
 

@@ -104,7 +104,7 @@ public:
         /// complete request gives way to a new one: of the client that has most of these, the
         /// oldest. If there is none, the new one gets 503.
         std::size_t maxConnections = 512;
-        std::size_t workers = 16;
+        std::size_t workers = 16; ///< threads that run handlers, at most
         /// Complete requests that wait for a worker. Beyond it, the latest one of the client that
         /// has most in the queue gets 503.
         std::size_t maxQueued = 256;
