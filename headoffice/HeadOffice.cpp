@@ -1,9 +1,9 @@
 #include "headoffice/HeadOffice.h"
 
 #include "db/Error.h"
+#include "headoffice/HttpOptions.h"
 #include "headoffice/admin/RefusalReason.h"
 #include "headoffice/database/OpenDatabase.h"
-#include "rds/http/AddressList.h"
 
 #include <filesystem>
 #include <fstream>
@@ -15,43 +15,6 @@ namespace quillet::headoffice {
 namespace {
 
 constexpr const char* CommandProgId = "quorin.demon";
-constexpr std::size_t KiB = 1024;
-
-rds::AddressList listOf(const std::string& networks) {
-    return networks.empty() ? rds::AddressList::loopback() : rds::AddressList::parse(networks);
-}
-
-rds::HttpServer::Options serverOptions(const Options& options) {
-    rds::HttpServer::Options result;
-    result.address = options.listen.host;
-    result.port = options.listen.port;
-    result.admits = listOf(options.allow);
-    result.workers = options.workers;
-    result.maxConnections = options.connections;
-    result.maxQueued = options.queue;
-    result.maxBody = options.bodyLimit * KiB;
-    result.memory = options.memory * KiB * KiB;
-    result.headTime = options.headTime;
-    result.bodyTime = options.bodyTime;
-    result.replyTime = options.replyTime;
-    result.drain = options.drain;
-    result.stopOnSignals = true;
-    return result;
-}
-
-/// A person and a monitoring system, not a chain.
-rds::HttpServer::Options adminOptions(const Options& options) {
-    rds::HttpServer::Options result;
-    result.address = options.admin.host;
-    result.port = options.admin.port;
-    result.admits = listOf(options.adminAllow);
-    result.workers = 2;
-    result.maxConnections = 32;
-    result.maxQueued = 16;
-    result.maxBody = KiB;
-    result.drain = std::chrono::seconds(1);
-    return result;
-}
 
 DatabasePool::Limits poolLimits(const Options& options) {
     DatabasePool::Limits result;
@@ -114,7 +77,7 @@ HeadOffice::HeadOffice(const Options& options, std::ostream& log)
              [this](const rds::CallRecord& record) { finished(record); }),
       http_(
           [&] {
-              auto server = serverOptions(options);
+              auto server = counterOptions(options);
               server.onRefusal = [this](rds::HttpServer::Refusal refusal, const std::string& peer) {
                   refused(refusal, peer);
               };
@@ -174,7 +137,7 @@ admin::Load HeadOffice::load() {
     load.answering = {now.answering, options_.workers};
     load.waiting = {now.queued, options_.queue};
     load.connections = {now.connections, options_.connections};
-    load.memory = {now.memory, options_.memory * KiB * KiB};
+    load.memory = {now.memory, counterOptions(options_).memory};
     load.databaseConnections = {databases.inUse, options_.workers};
     load.databaseConnectionsOpen = databases.open;
     return load;

@@ -1,11 +1,13 @@
 #include "headoffice/Options.h"
 
 #include "db/Error.h"
+#include "headoffice/HttpOptions.h"
 #include "headoffice/database/OpenDatabase.h"
 #include "rds/http/AddressList.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <fstream>
 #include <type_traits>
 #include <utility>
 
@@ -157,6 +159,11 @@ private:
     std::vector<std::string> databases_;
 };
 
+bool isNameCharacter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+           c == '$';
+}
+
 /// What would open the server to more than its options name.
 void requireClosed(const Options& options) {
     const std::string address = options.listen.text();
@@ -172,16 +179,31 @@ void requireClosed(const Options& options) {
         refuse("Showing the state on " + options.admin.text() +
                " needs to know to whom: write "
                "--admin-allow, for example --admin-allow 10.1.2.0/24.");
+}
+
+/// What contradicts itself, or cannot be.
+void requirePossible(const Options& options) {
     if (options.check && options.databases.empty())
         refuse("--check looks at the databases that --database names, and there is none.");
+    for (const std::string& table : options.writable) {
+        if (!std::all_of(table.begin(), table.end(), isNameCharacter) || table.empty())
+            refuse("'" + table + "' is no table's name.");
+    }
+    if (!options.passwordFile.empty() && options.user.empty())
+        refuse("--password-file is for the user that --user names, and there is none.");
+    if (!options.passwordFile.empty() && !std::ifstream(options.passwordFile))
+        refuse("The password's file " + options.passwordFile.string() + " cannot be read.");
+    counterOptions(options).check();
 }
 
 } // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments) {
     Options options = CommandLine().parse(arguments);
-    if (options.information.empty())
+    if (options.information.empty()) {
         requireClosed(options);
+        requirePossible(options);
+    }
     return options;
 }
 

@@ -19,8 +19,8 @@ namespace quillet::headoffice {
 /// variable, a lock or a temporary table of somebody else; and only who names the same database,
 /// user and password gets it.
 ///
-/// The driver manager's own pools are not used: they hand sessions on as they are left. MariaDB's
-/// ODBC driver 3.1.15 has no reset to offer them.
+/// The driver manager's own pool is not used: it hands sessions on as they were left, because
+/// MariaDB's ODBC driver accepts a reset and does nothing (observed with 3.1.15).
 ///
 /// May be used from several threads. It must outlive them.
 class DatabasePool {
@@ -36,8 +36,7 @@ public:
     DatabasePool(Open open, Limits limits);
 
     /// @param gone asked to stop when nobody waits for the call any more.
-    /// @throws db::Error when the database cannot be opened, without telling why it does not
-    ///         answer: that is nobody's business but the log's.
+    /// @throws db::Error when the database cannot be opened: whether it answers, and no more.
     DatabaseSession lend(const DatabaseLogin& login, std::stop_token gone);
 
     struct Counts {

@@ -137,32 +137,37 @@ TEST(Options, ReadsTheCommandLineAndTheFile) {
 
     std::ofstream(folder / "wrong.conf") << "allowed = \"10.0.0.0/8\"\n";
     const std::string open = "0.0.0.0:80";
-    for (const std::vector<std::string>& wrong :
-         std::vector<std::vector<std::string>>{{"--listen"},
-                                               {"--listen", "8080"},
-                                               {"--listen", ":8080"},
-                                               {"--listen", "host:65536"},
-                                               {"--listen", "host:x"},
-                                               {"--listen", "::1:80"},
-                                               {"--listen", open},
-                                               {"--listen", open, "--allow", "10.0.0.0/8"},
-                                               {"--listen", open, "--database", "h/n"},
-                                               {"--allow", "10.0.0.0/33"},
-                                               {"--allow", ""},
-                                               {"--database", "name"},
-                                               {"--database", "h:0/n"},
-                                               {"--database", "h/n/m"},
-                                               {"--admin", open},
-                                               {"--admin", "x"},
-                                               {"--object", ""},
-                                               {"--workers", "0"},
-                                               {"--drain", "soon"},
-                                               {"--memory", "99999999999999999999"},
-                                               {"--check"},
-                                               {"--config", (folder / "wrong.conf").string()},
-                                               {"--config", (folder / "none.conf").string()},
-                                               {"--wrong"},
-                                               {"stray"}}) {
+    for (const std::vector<std::string>& wrong : std::vector<std::vector<std::string>>{
+             {"--listen"},
+             {"--listen", "8080"},
+             {"--listen", ":8080"},
+             {"--listen", "host:65536"},
+             {"--listen", "host:x"},
+             {"--listen", "::1:80"},
+             {"--listen", open},
+             {"--listen", open, "--allow", "10.0.0.0/8"},
+             {"--listen", open, "--database", "h/n"},
+             {"--allow", "10.0.0.0/33"},
+             {"--allow", ""},
+             {"--database", "name"},
+             {"--database", "h:0/n"},
+             {"--database", "h/n/m"},
+             {"--admin", open},
+             {"--admin", "x"},
+             {"--object", ""},
+             {"--workers", "0"},
+             {"--drain", "soon"},
+             {"--memory", "99999999999999999999"},
+             {"--memory", "1"}, // less than one request may take
+             {"--writable", "a;b"},
+             {"--password-file", (folder / "none").string()},
+             {"--user", "u", "--password-file", (folder / "none").string()},
+             {"--return-arguments=perhaps"},
+             {"--check"},
+             {"--config", (folder / "wrong.conf").string()},
+             {"--config", (folder / "none.conf").string()},
+             {"--wrong"},
+             {"stray"}}) {
         const db::Error error = tests::errorOf([&] { headoffice::parseOptions(wrong); });
         EXPECT_EQ(error.Number(), db::number::InvalidArgument) << testing::PrintToString(wrong);
         EXPECT_EQ(error.Description().find('\n'), std::string::npos) << error.Description();
