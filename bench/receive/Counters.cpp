@@ -29,7 +29,8 @@ double receiveTogether(std::deque<Counter>& counters, const std::filesystem::pat
 
 } // namespace
 
-void measureServers(Report& report, const Site& site, const Chain& chain, int rounds) {
+void measureServers(Report& report, const Site& site, const Chain& chain, int counters,
+                    int rounds) {
     if (site.earlierHeadOffice.empty())
         return;
     const HeadOfficeProcess present(site.headOffice);
@@ -38,11 +39,18 @@ void measureServers(Report& report, const Site& site, const Chain& chain, int ro
     const std::filesystem::path emptyStore = folder / "empty.MDB";
     std::deque<Counter> atPresent;
     std::deque<Counter> atEarlier;
-    atPresent.emplace_back(site, present.address(), chain.database);
-    atEarlier.emplace_back(site, earlier.address(), chain.database);
+    for (int i = 0; i < counters; ++i) {
+        atPresent.emplace_back(site, present.address(), chain.database);
+        atEarlier.emplace_back(site, earlier.address(), chain.database);
+    }
     std::filesystem::copy_file(atPresent.front().store(), emptyStore);
 
-    Figure figure{"first receive: from this server / from an earlier one", "", {}, 1.03};
+    Figure figure{std::to_string(counters) +
+                      (counters == 1 ? " counter: " : " counters at once: ") +
+                      "time from this server / from an earlier one",
+                  "",
+                  {},
+                  1.03};
     for (int round = 0; round <= rounds; ++round) {
         std::cerr << "two servers: round " << round << " of " << rounds << std::endl;
         std::array<double, 2> times{};

@@ -21,8 +21,10 @@ void measureReceives(Report& report, const Site& site, const Chain& large, const
 /// Memory of the head office's server for one reply with every member twice.
 void measureReply(Report& report, const Site& site, const Chain& chain);
 
-/// One receive from the head office's server against the same from an earlier one, if there is any.
-void measureServers(Report& report, const Site& site, const Chain& chain, int rounds);
+/// First receives from the head office's server against the same from an earlier one, if there is
+/// any.
+/// @param counters that receive at the same time.
+void measureServers(Report& report, const Site& site, const Chain& chain, int counters, int rounds);
 
 /// Counters that receive at the same time from one server, against one that is alone.
 void measureCounters(Report& report, const Site& site, const Chain& chain, int counters,

@@ -43,7 +43,8 @@ int main(int argc, char* argv[]) {
         bench::measureFind(report, largeChain.members);
         bench::measureReceives(report, site, largeChain, smallChain, n);
         bench::measureReply(report, site, largeChain);
-        bench::measureServers(report, site, largeChain, n);
+        bench::measureServers(report, site, largeChain, 1, n);
+        bench::measureServers(report, site, smallChain, 32, n);
         bench::measureCounters(report, site, smallChain, 32, n);
         report.print(std::cout);
         report.writeCsv(db::pathOf(csv()));
