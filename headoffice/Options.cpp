@@ -79,7 +79,7 @@ private:
     void addLimits() {
         add("--workers", result_.workers, 1, 256, "calls that are answered at once");
         add("--connections", result_.connections, 1, 65535, "connections that are kept");
-        add("--queue", result_.queue, 0, 65535, "calls that wait for a worker");
+        add("--queue", result_.queue, 1, 65535, "calls that wait for a worker");
         add("--body-limit", result_.bodyLimit, 1, 65536, "largest request, in KiB");
         add("--memory", result_.memory, 1, 1048576, "for requests and replies under way, in MiB");
         addSeconds("--head-seconds", result_.headTime, 1, "for the head of a request");
