@@ -4,6 +4,7 @@
 #include "rds/DataSpace.h"
 #include "rds/http/HttpClient.h"
 #include "tests/support/Errors.h"
+#include "tests/support/ScriptedServer.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/TestHeadOffice.h"
 
@@ -248,6 +249,30 @@ TEST_F(HeadOfficeTest, EndsQueriesThatNobodyWaitsForOrThatTakeTooLong) {
     office_->log(); // which stops it
     EXPECT_THAT(call.get(), HasSubstr("462"));
     EXPECT_EQ(until("0"), "0");
+}
+
+TEST_F(HeadOfficeTest, ShowsItsStateOnAnotherPort) {
+    headoffice::Options options;
+    options.admin = {"127.0.0.1", 0};
+    start(options);
+    const auto ask = [&](const std::string& request, std::uint16_t port) {
+        return tests::RawClient(port).ask(request + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    };
+    const std::uint16_t admin = office_->adminPort();
+    EXPECT_THAT(ask("GET /health", admin), AllOf(HasSubstr("200 OK"), HasSubstr("ok: 127.0.0.1:")));
+    getsql("SELECT 1");
+    EXPECT_TRUE(putsql({"", report("5.0.0")}));
+    EXPECT_FALSE(putsql({"", "DELETE FROM POS"}));
+    EXPECT_THAT(ask("GET /metrics", admin),
+                AllOf(HasSubstr("calls_total{method=\"Getsql\",outcome=\"ok\"} 1\n"),
+                      HasSubstr("calls_total{method=\"PUTSQL\",outcome=\"failed\"} 1\n"),
+                      HasSubstr("database_connections_open 1\n")));
+    EXPECT_THAT(ask("GET /", admin), HasSubstr("5.0.0"));
+    EXPECT_THAT(ask("HEAD /", admin), AllOf(HasSubstr("200 OK"), Not(HasSubstr("<html"))));
+    const std::string counters = office_->address();
+    EXPECT_THAT(ask("GET /metrics",
+                    static_cast<std::uint16_t>(std::stoi(counters.substr(counters.find(':') + 1)))),
+                HasSubstr("404"));
 }
 
 TEST_F(HeadOfficeTest, ServesSeveralCountersAtOnce) {

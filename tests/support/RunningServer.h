@@ -25,6 +25,8 @@ public:
             thread_.join();
     }
 
+    const Server& server() const { return server_; }
+
     auto port() const { return server_.port(); }
     std::string address() const { return "127.0.0.1:" + std::to_string(port()); }
 

@@ -4,6 +4,7 @@
 #include "headoffice/HeadOffice.h"
 #include "tests/support/RunningServer.h"
 
+#include <cstdint>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -37,6 +38,9 @@ public:
 
     /// "127.0.0.1:port" of the HTTP server.
     std::string address() const { return office_->address(); }
+
+    /// Of the operator's pages, where the options ask for them.
+    std::uint16_t adminPort() const { return office_->server().adminPort(); }
 
     /// What stands in a counter's settings.
     static std::string databaseServer();
