@@ -13,18 +13,21 @@
 # Read by those who source this file.
 # shellcheck disable=SC2034
 HEAD_OFFICE_OBJECT=quorin.data
+HEAD_OFFICE_DATABASES=("$CHAIN_DB") # that counters may name
 HEAD_OFFICE_PORT=''
 
 head_office__pid=''
 head_office__port='' # of the next start, if it must be a certain one
 
-# head_office_guards COMMAND ...: GUARDS are the options that let counters into the sample chain and
+# head_office_guards COMMAND ...: GUARDS are the options that let counters into these databases and
 # nothing else; none for a program from before there were any.
 head_office_guards() {
+    local database
     GUARDS=()
-    if "$@" --help 2> /dev/null | grep -q -e '--database'; then
-        GUARDS=(--database "$CHAIN_HOST:$CHAIN_PORT/$CHAIN_DB")
-    fi
+    [[ $("$@" --help 2> /dev/null) == *--database* ]] || return 0
+    for database in "${HEAD_OFFICE_DATABASES[@]}"; do
+        GUARDS+=(--database "$CHAIN_HOST:$CHAIN_PORT/$database")
+    done
 }
 
 head_office_start() {
@@ -32,7 +35,8 @@ head_office_start() {
     shift
     rm -f -- "$port_file"
     head_office_guards "$@"
-    "$@" "${GUARDS[@]}" --listen "127.0.0.1:${head_office__port:-0}" --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
+    "$@" "${GUARDS[@]}" --listen "127.0.0.1:${head_office__port:-0}" \
+        --object "$HEAD_OFFICE_OBJECT" > "$log" 2>&1 &
     head_office__pid=$!
     for _ in {1..300}; do
         [[ ! -s $port_file ]] && kill -0 "$head_office__pid" 2> /dev/null || break

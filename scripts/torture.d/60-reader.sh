@@ -2,13 +2,14 @@
 # The point-of-sale program goes on selling during a receive.
 # shellcheck disable=SC2153,SC2154 # what the frame sets
 cases+=(reader)
+HEAD_OFFICE_DATABASES+=(quillet_test_many)
 
 # Reads until the window has gone; sets REFUSED, milliseconds of the longest stretch without an
 # answer, and READ, how often it was answered.
 read_beside() {
-    local refused_since='' refused
+    local refused_since='' refused end=$((SECONDS + 180))
     REFUSED=0 READ=0
-    while is_running "$WINDOW"; do
+    while is_running "$WINDOW" && ((SECONDS < end)); do
         if sqlite3 -cmd '.timeout 0' "$STORE" 'SELECT COUNT(*) FROM KIND' > /dev/null 2>&1; then
             READ=$((READ + 1))
             now_ms

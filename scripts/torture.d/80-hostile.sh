@@ -14,9 +14,9 @@ HOSTILE_DRAIN=5    # seconds
 guarded_start() {
     local arguments=(--listen 127.0.0.1:0 --object "$HEAD_OFFICE_OBJECT" --port-file "$TRY/port")
     local server=$torture__programs/quillet-headoffice
-    # Programs of before the guards are told nothing.
-    ! "$server" --help | grep -q -e --database || arguments+=(--allow 127.0.0.0/8
-        --database "$CHAIN_HOST:$CHAIN_PORT/$CHAIN_DB" --drain "$HOSTILE_DRAIN")
+    head_office_guards "$server"
+    ((${#GUARDS[@]} == 0)) ||
+        arguments+=("${GUARDS[@]}" --allow 127.0.0.0/8 --drain "$HOSTILE_DRAIN")
     mkdir -p "$TRY/files"
     chmod 777 "$TRY/files"
     (
