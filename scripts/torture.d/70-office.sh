@@ -464,7 +464,7 @@ middle_try() {
     if [[ $1 == server ]]; then
         must_fail "$3" 'unavailable: 127[^ ]* connection closed without a reply'
     else
-        must_fail "$3" 'Lost connection'
+        must_fail "$3" '(Lost connection|connection to the database server is lost)'
     fi
     start_part "$1"
     mend
