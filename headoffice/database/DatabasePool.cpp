@@ -11,22 +11,20 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// After this time an idle session is tried before it is lent: the database may have closed it.
-constexpr auto Fresh = std::chrono::seconds(1);
-
 } // namespace
 
 DatabasePool::DatabasePool(Open open, Limits limits) : open_(std::move(open)), limits_(limits) {}
 
 DatabaseSession DatabasePool::lend(const DatabaseLogin& login, std::stop_token gone) {
     auto engine = takeIdle(login);
-    if (!engine)
+    const bool wasUsed = engine != nullptr;
+    if (!wasUsed)
         engine = open(login);
     {
         const std::lock_guard lock(mutex_);
         ++inUse_;
     }
-    return {*this, login, std::move(engine), std::move(gone), limits_.call};
+    return {*this, login, std::move(engine), wasUsed, std::move(gone), limits_.call};
 }
 
 DatabasePool::Counts DatabasePool::counts() {
@@ -37,22 +35,16 @@ DatabasePool::Counts DatabasePool::counts() {
 }
 
 std::unique_ptr<db::Engine> DatabasePool::takeIdle(const DatabaseLogin& login) {
-    for (;;) {
-        std::list<Idle> old; // closed when nobody waits for the lock
-        std::list<Idle> found;
-        {
-            const std::lock_guard lock(mutex_);
-            removeOld(old);
-            const auto match = std::find_if(idle_.begin(), idle_.end(),
-                                            [&](const Idle& idle) { return idle.login == login; });
-            if (match == idle_.end())
-                return nullptr;
-            found.splice(found.begin(), idle_, match);
-        }
-        Idle& idle = found.front();
-        if (Clock::now() - idle.since < Fresh || idle.engine->reset())
-            return std::move(idle.engine);
-    }
+    std::list<Idle> old; // closed when nobody waits for the lock
+    const std::lock_guard lock(mutex_);
+    removeOld(old);
+    const auto match = std::find_if(idle_.begin(), idle_.end(),
+                                    [&](const Idle& idle) { return idle.login == login; });
+    if (match == idle_.end())
+        return nullptr;
+    auto engine = std::move(match->engine);
+    idle_.erase(match);
+    return engine;
 }
 
 std::unique_ptr<db::Engine> DatabasePool::open(const DatabaseLogin& login) try {

@@ -17,7 +17,7 @@ namespace quillet::headoffice {
 /// Open databases, lent to one call at a time. A session that comes back is put into the state in
 /// which it was opened, or closed where that cannot be done, so that nobody finds a transaction, a
 /// variable, a lock or a temporary table of somebody else; and only who names the same database,
-/// user and password gets it.
+/// user and password gets it. One that the database has closed meanwhile is replaced unseen.
 ///
 /// The driver manager's own pool is not used: it hands sessions on as they were left, because
 /// MariaDB's ODBC driver accepts a reset and does nothing (observed with 3.1.15).

@@ -7,11 +7,22 @@
 
 namespace quillet::headoffice {
 
+namespace {
+
+/// Class 08 of the SQLSTATEs is the connection's.
+bool isLost(const db::Error& error) {
+    return !error.providerRecords().empty() &&
+           error.providerRecords().front().SqlState.starts_with("08");
+}
+
+} // namespace
+
 DatabaseSession::DatabaseSession(DatabasePool& pool, DatabaseLogin login,
-                                 std::unique_ptr<db::Engine> engine, std::stop_token gone,
-                                 std::chrono::seconds limit)
-    : pool_(pool), login_(std::move(login)), engine_(std::move(engine)), limit_(limit) {
-    watch_.emplace(*engine_, std::move(gone), limit);
+                                 std::unique_ptr<db::Engine> engine, bool wasUsed,
+                                 std::stop_token gone, std::chrono::seconds limit)
+    : pool_(pool), login_(std::move(login)), engine_(std::move(engine)), wasUsed_(wasUsed),
+      gone_(std::move(gone)), limit_(limit) {
+    watch_.emplace(*engine_, gone_, limit_);
 }
 
 DatabaseSession::~DatabaseSession() {
@@ -20,7 +31,7 @@ DatabaseSession::~DatabaseSession() {
 }
 
 std::unique_ptr<db::Cursor> DatabaseSession::query(const std::string& sql) try {
-    limitTime();
+    start();
     run("START TRANSACTION READ ONLY");
     watch_->require();
     return engine_->query(sql);
@@ -30,7 +41,7 @@ std::unique_ptr<db::Cursor> DatabaseSession::query(const std::string& sql) try {
 }
 
 void DatabaseSession::write(const std::vector<std::string>& statements) try {
-    limitTime();
+    start();
     watch_->require();
     engine_->begin();
     for (const std::string& statement : statements)
@@ -42,6 +53,17 @@ void DatabaseSession::write(const std::vector<std::string>& statements) try {
     throw;
 }
 
+/// Says the first statement, which tells whether the session of an earlier call is still one: a
+/// database that was restarted meanwhile is asked anew, and the caller does not notice.
+void DatabaseSession::start() try { limitTime(); } catch (const db::Error& error) {
+    if (!std::exchange(wasUsed_, false) || !isLost(error))
+        throw;
+    watch_.reset();
+    engine_ = pool_.open(login_);
+    watch_.emplace(*engine_, gone_, limit_);
+    limitTime();
+}
+
 /// The database ends a statement by itself as well, should this program be gone by then. MariaDB
 /// counts seconds, MySQL milliseconds under another name; what knows neither has the watch alone.
 void DatabaseSession::limitTime() {
@@ -50,7 +72,7 @@ void DatabaseSession::limitTime() {
         run("SET SESSION max_statement_time = " + seconds);
         return;
     } catch (const db::Error& error) {
-        if (error.Number() == db::number::Canceled)
+        if (error.Number() == db::number::Canceled || isLost(error))
             throw;
     }
     try {

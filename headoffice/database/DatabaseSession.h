@@ -18,8 +18,9 @@ class DatabasePool;
 /// A database as long as one call needs it. What is not committed at its end is rolled back.
 class DatabaseSession {
 public:
+    /// @param wasUsed by another call before: the database may have closed it since.
     DatabaseSession(DatabasePool& pool, DatabaseLogin login, std::unique_ptr<db::Engine> engine,
-                    std::stop_token gone, std::chrono::seconds limit);
+                    bool wasUsed, std::stop_token gone, std::chrono::seconds limit);
     ~DatabaseSession();
     DatabaseSession(const DatabaseSession&) = delete;
     DatabaseSession& operator=(const DatabaseSession&) = delete;
@@ -35,17 +36,23 @@ public:
 
     /// Whether an error of the engine was the end of the call, said in its own words.
     /// @throws db::Error number::Canceled then.
-    void explain() const { watch_->explain(); }
+    void explain() const {
+        if (watch_)
+            watch_->explain();
+    }
 
 private:
+    void start();
     void limitTime();
     void run(const std::string& statement);
 
     DatabasePool& pool_;
     DatabaseLogin login_;
     std::unique_ptr<db::Engine> engine_;
+    bool wasUsed_;
+    std::stop_token gone_;
     std::chrono::seconds limit_;
-    std::optional<QueryWatch> watch_; ///< goes before the engine is given back
+    std::optional<QueryWatch> watch_; ///< of the engine, and gone before it is given back
 };
 
 } // namespace quillet::headoffice

@@ -207,6 +207,9 @@ TEST_F(HeadOfficeTest, LeavesNothingOfACallerToTheNext) {
     db::Recordset next = getsql("SELECT CONNECTION_ID(), @mine, @@in_transaction");
     EXPECT_EQ(next.Item(0).toText(), first) << "sessions are to be lent again";
     EXPECT_TRUE(next.Item(1).isNull());
+    office_->sql("KILL " + first);
+    EXPECT_NE(getsql("SELECT CONNECTION_ID()").Item(0).toText(), first)
+        << "a session that the database has closed is nobody's failure";
     // Another password is another session, however idle this one is.
     connection_.replace(connection_.find("PWD=mq5307"), 10, "PWD=wrong-5");
     EXPECT_THROW(getsql("SELECT 1"), db::Error);
