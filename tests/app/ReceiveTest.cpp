@@ -125,7 +125,8 @@ TEST_F(ReceiveTest, ServerFailuresAreTheGroupsAndWriteNothing) {
     EXPECT_THAT(fails("no object name"), log("429", "create object"));
     set("개체명", "quorin.data");
     set("DBName", "quillet_test_nowhere");
-    EXPECT_THAT(fails("no such database"), log("-2147467259", "quillet_test_nowhere is not served"));
+    EXPECT_THAT(fails("no such database"),
+                log("-2147467259", "quillet_test_nowhere is not served"));
     set("DBName", headOffice_->databaseName());
     set("1차서버", "127.0.0.1:1");
     EXPECT_THAT(fails("nobody answers"), log("462", "127.0.0.1:1"));
