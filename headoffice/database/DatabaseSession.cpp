@@ -9,10 +9,13 @@ namespace quillet::headoffice {
 
 namespace {
 
-/// Class 08 of the SQLSTATEs is the connection's.
+/// Class 08 of the SQLSTATEs is the connection's; 70100 is said to one that a database closes as it
+/// ends.
 bool isLost(const db::Error& error) {
-    return !error.providerRecords().empty() &&
-           error.providerRecords().front().SqlState.starts_with("08");
+    if (error.providerRecords().empty())
+        return false;
+    const std::string& state = error.providerRecords().front().SqlState;
+    return state.starts_with("08") || state == "70100";
 }
 
 } // namespace
