@@ -1,6 +1,7 @@
 #include "headoffice/database/DatabasePool.h"
 
 #include "db/Error.h"
+#include "headoffice/database/SqlState.h"
 
 #include <algorithm>
 #include <utility>
@@ -50,13 +51,11 @@ std::unique_ptr<db::Engine> DatabasePool::takeIdle(const DatabaseLogin& login) {
 std::unique_ptr<db::Engine> DatabasePool::open(const DatabaseLogin& login) try {
     return open_(login);
 } catch (const db::Error& error) {
-    const auto& records = error.providerRecords();
-    const std::string state = records.empty() ? "" : records.front().SqlState;
     // 28000: who comes is refused. 42000: there is no such database, or not for this user.
-    throw db::providerError(state == "28000" || state == "42000" ? state : "08001",
-                            state == "28000" || state == "42000"
-                                ? "The database does not let this user in."
-                                : "The database does not answer.");
+    const std::string state = sqlStateOf(error);
+    if (state == "28000" || state == "42000")
+        throw db::providerError(state, "The database does not let this user in.");
+    throw db::providerError("08001", "The database does not answer.");
 }
 
 void DatabasePool::giveBack(const DatabaseLogin& login,
@@ -66,7 +65,7 @@ void DatabasePool::giveBack(const DatabaseLogin& login,
         if (engine->reset())
             returned.push_back({login, std::move(engine), Clock::now()});
     } catch (const std::exception&) {
-        engine.reset(); // which is closed instead
+        // It is closed instead.
     }
     engine.reset();
     std::list<Idle> old;

@@ -3,6 +3,7 @@
 #include "db/AsciiText.h"
 #include "db/Error.h"
 #include "headoffice/database/OpenDatabase.h"
+#include "headoffice/database/SqlState.h"
 
 #include <fstream>
 
@@ -19,10 +20,6 @@ std::string firstLineOf(const std::filesystem::path& file) {
     if (!std::getline(stream, line))
         throw db::Error(db::number::FileAccess, "Cannot read the password's file " + file.string());
     return std::string(db::trimmed(line, "\r\n"));
-}
-
-std::string stateOf(const db::Error& error) {
-    return error.providerRecords().empty() ? "" : error.providerRecords().front().SqlState;
 }
 
 } // namespace
@@ -45,7 +42,7 @@ DatabaseState DatabaseProbe::look(const DatabaseName& database) const {
             ->query("SELECT 1")
             ->next();
     } catch (const db::Error& error) {
-        state.answers = user_.empty() && stateOf(error) == AccessDenied;
+        state.answers = user_.empty() && sqlStateOf(error) == AccessDenied;
         state.reason = state.answers ? "" : error.Description();
     }
     return state;

@@ -2,6 +2,7 @@
 
 #include "db/Error.h"
 #include "headoffice/database/DatabasePool.h"
+#include "headoffice/database/SqlState.h"
 
 #include <utility>
 
@@ -12,9 +13,7 @@ namespace {
 /// Class 08 of the SQLSTATEs is the connection's; 70100 is said to one that a database closes as it
 /// ends.
 bool isLost(const db::Error& error) {
-    if (error.providerRecords().empty())
-        return false;
-    const std::string& state = error.providerRecords().front().SqlState;
+    const std::string state = sqlStateOf(error);
     return state.starts_with("08") || state == "70100";
 }
 
