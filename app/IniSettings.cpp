@@ -1,6 +1,6 @@
 #include "app/IniSettings.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <QDir>
 #include <QFile>
@@ -30,8 +30,8 @@ bool isSection(const QString& line, QString& name) {
 IniSettings::IniSettings(QString path) : path_(std::move(path)) {}
 
 void IniSettings::fail(const QString& why) const {
-    throw db::Error(db::number::FileAccess,
-                    "The settings file " + path_.toStdString() + ' ' + why.toStdString());
+    throw data::Error(data::number::FileAccess,
+                      "The settings file " + path_.toStdString() + ' ' + why.toStdString());
 }
 
 QByteArray IniSettings::readBytes() const {

@@ -20,13 +20,13 @@ class IniSettings : public sync::Settings {
 public:
     explicit IniSettings(QString path);
 
-    /// @throws db::Error 75 as said above.
+    /// @throws data::Error 75 as said above.
     std::string GetSetting(const std::string& application, const std::string& section,
                            const std::string& key,
                            const std::string& defaultValue = "") const override;
 
     /// Creates the file and its folder where they are missing.
-    /// @throws db::Error 75 as said above, or when not all of it can be brought to the disk. The
+    /// @throws data::Error 75 as said above, or when not all of it can be brought to the disk. The
     ///         file is then as it was.
     void SaveSetting(const std::string& application, const std::string& section,
                      const std::string& key, const std::string& value) override;

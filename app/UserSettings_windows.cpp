@@ -1,5 +1,5 @@
 #include "app/UserSettings.h"
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <QSettings>
 #include <QString>
@@ -24,7 +24,8 @@ public:
         registry.setValue(QString::fromStdString(key), QString::fromStdString(value));
         registry.sync();
         if (registry.status() != QSettings::NoError)
-            throw db::Error(db::number::FileAccess, "The registry refuses the value " + key + ".");
+            throw data::Error(data::number::FileAccess,
+                              "The registry refuses the value " + key + ".");
     }
 
 private:

@@ -5,9 +5,9 @@
 #include "app/PlaceWindow.h"
 #include "app/VersionReport.h"
 #include "app/widgets/Surface.h"
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "db/DB_Control.h"
-#include "db/Paths.h"
+#include "files/Paths.h"
 #include "sync/ReceivedRowFlags.h"
 #include "sync/Receiver.h"
 
@@ -87,7 +87,7 @@ void frm_Quillet::Form_Load() {
     controls_.display.refresh();
     try {
         composeServerConnection();
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         serverConnectionString_.clear(); // start-up meets it again, and says so
     }
     setFixedSize(WindowSize * scaleForScreen());
@@ -101,7 +101,7 @@ void frm_Quillet::Form_Activate() {
     controls_.setEnabled(false);
     try {
         activated_ = startUp();
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         failStartUp(error);
     }
     activating_ = false;
@@ -133,7 +133,7 @@ bool frm_Quillet::startUp() {
 }
 
 /// The window stays, and its start button tries again.
-void frm_Quillet::failStartUp(const db::Error& error) {
+void frm_Quillet::failStartUp(const data::Error& error) {
     run_.reset();
     const sync::Failure failure{"설정 확인", "",
                                 std::to_string(error.Number()) + " : " + error.Description()};
@@ -143,8 +143,8 @@ void frm_Quillet::failStartUp(const db::Error& error) {
     controls_.showFailure(failure);
 }
 
-db::DownloadLog frm_Quillet::downloadLog() const {
-    return db::DownloadLog(surroundings_.programFolder, surroundings_.clock);
+logs::DownloadLog frm_Quillet::downloadLog() const {
+    return logs::DownloadLog(surroundings_.programFolder, surroundings_.clock);
 }
 
 void frm_Quillet::Form_QueryUnload() {
@@ -153,7 +153,7 @@ void frm_Quillet::Form_QueryUnload() {
 }
 
 bool frm_Quillet::takeStore() {
-    const std::filesystem::path store = db::pathOf(storeFolder()) / StoreFileName;
+    const std::filesystem::path store = files::pathOf(storeFolder()) / StoreFileName;
     storeLock_.reset();
     storeLock_ = std::make_unique<StoreLock>(store);
     switch (storeLock_->outcome()) {
@@ -166,7 +166,7 @@ bool frm_Quillet::takeStore() {
     case StoreLock::Outcome::NotPossible:
         // A store that is not there has its own words, when it is read.
         if (std::error_code unknown; std::filesystem::exists(store, unknown))
-            downloadLog().write(sync::StoreTitle, "", db::number::FileAccess,
+            downloadLog().write(sync::StoreTitle, "", data::number::FileAccess,
                                 "The store cannot be locked against a second window (" +
                                     storeLock_->reason() +
                                     "). It is received all the same: see to it that one window at "
@@ -179,7 +179,7 @@ bool frm_Quillet::takeStore() {
 std::string frm_Quillet::storeFolder() const {
     const std::string folder =
         surroundings_.settings.GetSetting(sync::StoreApplication, "LOCATION", "ID");
-    return folder.empty() ? db::textOf(surroundings_.programFolder) : folder;
+    return folder.empty() ? files::textOf(surroundings_.programFolder) : folder;
 }
 
 void frm_Quillet::openStoreDatabase(bool& opened) {
@@ -187,7 +187,7 @@ void frm_Quillet::openStoreDatabase(bool& opened) {
     const std::string folder = storeFolder(); // start-up has its words for settings
     try {
         db::DB_Control::StoreConnection = std::make_unique<db::VelkDBPro>(
-            db::DailyLog(surroundings_.programFolder, surroundings_.clock),
+            logs::DailyLog(surroundings_.programFolder, surroundings_.clock),
             [this] {
                 controls_.display.yield();
                 run_->observer().statementDone();
@@ -216,23 +216,23 @@ void frm_Quillet::readHeadOffice() {
     sync::HeadOffice& headOffice = run_->headOffice;
     headOffice.connectionString = serverConnectionString_;
     headOffice.serverAddress = headOfficeSetting("1차서버");
-    if (db::isBlank(headOffice.serverAddress)) {
+    if (data::isBlank(headOffice.serverAddress)) {
         headOffice.serverAddress = headOfficeSetting("2차서버");
         run_->saveSetting(sync::HeadOfficeApplication, "Settings", "1차서버",
                           headOffice.serverAddress);
     }
     headOffice.remoteObjectName = headOfficeSetting("개체명");
     headOffice.storeCode = headOfficeSetting("가맹점");
-    if (db::isBlank(headOffice.storeCode))
+    if (data::isBlank(headOffice.storeCode))
         headOffice.storeCode = "1000"; // not saved
 }
 
 void frm_Quillet::reportVersionOnce() {
     constexpr const char* Application = "ZELMARO_II";
     const sync::Settings& settings = surroundings_.settings;
-    const std::string version(db::trimmed(surroundings_.version));
+    const std::string version(data::trimmed(surroundings_.version));
     const std::string reported = settings.GetSetting(Application, "DBLOC", "RCVVERSION");
-    if (version != db::trimmed(reported) && ReportReceiveVersion(*run_, version))
+    if (version != data::trimmed(reported) && ReportReceiveVersion(*run_, version))
         run_->saveSetting(Application, "DBLOC", "RCVVERSION", version);
 }
 

@@ -4,9 +4,9 @@
 #include "app/RunDriver.h"
 #include "app/StoreLock.h"
 #include "app/WindowControls.h"
-#include "db/Clock.h"
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/WaitHandler.h"
+#include "logs/Clock.h"
 #include "sync/Run.h"
 #include "sync/Settings.h"
 
@@ -26,7 +26,7 @@ struct WindowSurroundings {
     sync::Settings& settings;
     std::filesystem::path programFolder; ///< holds the logs and, by default, `food.MDB`
     std::string version;                 ///< major.minor.revision
-    db::Clock clock = db::localNow;
+    logs::Clock clock = logs::localNow;
     sync::RunObserver* observer = nullptr; ///< may be absent
 };
 
@@ -63,9 +63,9 @@ private:
     bool isBusy() const { return activating_ || running_; }
     void becomeIdle();
     bool takeStore();
-    void failStartUp(const db::Error& error);
+    void failStartUp(const data::Error& error);
     void say(const std::string& text);
-    db::DownloadLog downloadLog() const;
+    logs::DownloadLog downloadLog() const;
     std::string storeFolder() const;
     void openStoreDatabase(bool& opened);
     void composeServerConnection();

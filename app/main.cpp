@@ -2,7 +2,7 @@
 #include "app/EndRequests.h"
 #include "app/UserSettings.h"
 #include "app/frm_Quillet.h"
-#include "db/Paths.h"
+#include "files/Paths.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -37,9 +37,9 @@ int main(int argc, char* argv[]) {
     const auto settings = quillet::app::openUserSettings();
     DemonstrationPause pause;
     std::filesystem::path folder =
-        quillet::db::pathOf(QCoreApplication::applicationDirPath().toStdString());
+        quillet::files::pathOf(QCoreApplication::applicationDirPath().toStdString());
     quillet::app::frm_Quillet window(
-        {*settings, folder.make_preferred(), QUILLET_VERSION, quillet::db::localNow, &pause});
+        {*settings, folder.make_preferred(), QUILLET_VERSION, quillet::logs::localNow, &pause});
     // Closing decides what may end at once and what has to be finished first.
     const auto close = [&window] { window.close(); };
     const quillet::app::EndRequests endRequests(close);

@@ -1,6 +1,6 @@
 #include "db/BatchProgress.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <cstdlib>
 #include <limits>
@@ -21,7 +21,7 @@ std::int32_t checkedSum(std::int32_t a, std::int32_t b) {
     const std::int64_t sum = std::int64_t{a} + b;
     if (sum > std::numeric_limits<std::int32_t>::max() ||
         sum < std::numeric_limits<std::int32_t>::min())
-        throw Error(number::Overflow, "Overflow");
+        throw data::Error(data::number::Overflow, "Overflow");
     return static_cast<std::int32_t>(sum);
 }
 

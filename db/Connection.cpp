@@ -1,10 +1,10 @@
 #include "db/Connection.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "db/ConnectionString.h"
-#include "db/Paths.h"
 #include "db/odbc/OdbcEngine.h"
 #include "db/sqlite/SqliteEngine.h"
+#include "files/Paths.h"
 
 #include <string_view>
 #include <utility>
@@ -16,37 +16,39 @@ namespace {
 constexpr std::string_view AccessDriver = "Microsoft Access Driver (*.mdb)";
 
 std::filesystem::path fileOf(const ConnectionString& connectionString) {
-    return pathOf(connectionString.value("DefaultDir")) / pathOf(connectionString.value("Dbq"));
+    return files::pathOf(connectionString.value("DefaultDir")) /
+           files::pathOf(connectionString.value("Dbq"));
 }
 
 std::unique_ptr<Engine> openEngine(const ConnectionString& connectionString) {
     const std::string driver = connectionString.value("Driver");
-    if (equalIgnoringCase(driver, AccessDriver) && !OdbcEngine::knowsDriver(driver))
+    if (data::equalIgnoringCase(driver, AccessDriver) && !OdbcEngine::knowsDriver(driver))
         return std::make_unique<SqliteEngine>(fileOf(connectionString));
     return std::make_unique<OdbcEngine>(connectionString.without("PROVIDER"));
 }
 
 Engine& require(const std::unique_ptr<Engine>& engine) {
     if (!engine)
-        throw Error(number::ConnectionClosed,
-                    "The connection cannot be used to perform this operation. It is either closed "
-                    "or invalid in this context.");
+        throw data::Error(
+            data::number::ConnectionClosed,
+            "The connection cannot be used to perform this operation. It is either closed "
+            "or invalid in this context.");
     return *engine;
 }
 
 /// Leaves the errors met while fetching in the connection's collection, too.
-class RecordingCursor final : public Cursor {
+class RecordingCursor final : public data::Cursor {
 public:
-    RecordingCursor(std::unique_ptr<Cursor> cursor, std::vector<ErrorRecord>& errors)
+    RecordingCursor(std::unique_ptr<data::Cursor> cursor, std::vector<data::ErrorRecord>& errors)
         : cursor_(std::move(cursor)), errors_(errors) {}
 
-    const FieldList& fields() const override { return cursor_->fields(); }
-    Value value(std::size_t column) const override { return cursor_->value(column); }
+    const data::FieldList& fields() const override { return cursor_->fields(); }
+    data::Value value(std::size_t column) const override { return cursor_->value(column); }
 
     bool next() override {
         try {
             return cursor_->next();
-        } catch (const Error& error) {
+        } catch (const data::Error& error) {
             if (!error.providerRecords().empty())
                 errors_ = error.providerRecords();
             throw;
@@ -54,8 +56,8 @@ public:
     }
 
 private:
-    std::unique_ptr<Cursor> cursor_;
-    std::vector<ErrorRecord>& errors_;
+    std::unique_ptr<data::Cursor> cursor_;
+    std::vector<data::ErrorRecord>& errors_;
 };
 
 } // namespace
@@ -69,7 +71,7 @@ template <typename Operation>
 auto Connection::guarded(Operation operation) {
     try {
         return operation();
-    } catch (const Error& error) {
+    } catch (const data::Error& error) {
         if (!error.providerRecords().empty())
             errors_ = error.providerRecords();
         throw;
@@ -83,17 +85,18 @@ void Connection::Open(const std::string& connectionString) {
     guarded([&] { engine_ = openEngine(parts); });
     engine_->setWaitHandler(waitHandler_);
     fileAtRisk_ = engine_->keepsTransactionsWhole() ? std::filesystem::path() : file_;
-    opened_ = FileIdentity::of(file_);
+    opened_ = files::FileIdentity::of(file_);
 }
 
 bool Connection::hasMoved() const noexcept {
-    return opened_ && FileIdentity::of(file_) != opened_;
+    return opened_ && files::FileIdentity::of(file_) != opened_;
 }
 
 void Connection::requireSameFile() const {
     if (hasMoved())
-        throw providerError("HY000", "The store database '" + textOf(file_) +
-                                         "' was moved, removed or replaced after it was opened.");
+        throw data::providerError("HY000",
+                                  "The store database '" + files::textOf(file_) +
+                                      "' was moved, removed or replaced after it was opened.");
 }
 
 void Connection::Execute(const std::string& statement) {
@@ -121,13 +124,18 @@ void Connection::RollbackTrans() {
     guarded([&] { require(engine_).rollback(); });
 }
 
-std::unique_ptr<Cursor> Connection::query(const std::string& source, std::string_view onlyColumn) {
-    return guarded([&]() -> std::unique_ptr<Cursor> {
+std::unique_ptr<data::Cursor> Connection::query(const std::string& source,
+                                                std::string_view onlyColumn) {
+    return guarded([&]() -> std::unique_ptr<data::Cursor> {
         Engine& engine = require(engine_);
         auto cursor = onlyColumn.empty() ? engine.query(source)
                                          : engine.queryColumn(source, std::string(onlyColumn));
         return std::make_unique<RecordingCursor>(std::move(cursor), errors_);
     });
+}
+
+data::Recordset Connection::read(const std::string& source, std::string_view onlyColumn) {
+    return data::Recordset::readFrom(*query(source, onlyColumn), onlyColumn);
 }
 
 } // namespace quillet::db

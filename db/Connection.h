@@ -1,10 +1,11 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
+#include "data/Error.h"
+#include "data/Recordset.h"
 #include "db/Engine.h"
-#include "db/Error.h"
-#include "db/FileIdentity.h"
 #include "db/WaitHandler.h"
+#include "files/FileIdentity.h"
 
 #include <filesystem>
 #include <memory>
@@ -46,7 +47,14 @@ public:
     /// Runs a query and delivers its rows one by one; the connection must outlive the cursor and
     /// stay where it is meanwhile.
     /// @param onlyColumn where it names one, others may be missing.
-    std::unique_ptr<Cursor> query(const std::string& source, std::string_view onlyColumn = {});
+    std::unique_ptr<data::Cursor> query(const std::string& source,
+                                        std::string_view onlyColumn = {});
+
+    /// Reads the whole result of a query.
+    /// @param onlyColumn see data::Recordset::readFrom(); the order of the rows may differ then.
+    /// @throws Error 3709 when the connection is not open, or what the database reported; 3265 for
+    ///         an unknown column.
+    data::Recordset read(const std::string& source, std::string_view onlyColumn = {});
 
     /// Who stands by while the database keeps its caller waiting; before Open().
     /// @param handler outlives the connection; null: nobody.
@@ -64,7 +72,7 @@ public:
     /// A database without a file never moves.
     bool hasMoved() const noexcept;
 
-    const std::vector<ErrorRecord>& Errors() const noexcept { return errors_; }
+    const std::vector<data::ErrorRecord>& Errors() const noexcept { return errors_; }
 
 private:
     template <typename Operation>
@@ -76,8 +84,8 @@ private:
     WaitHandler* waitHandler_ = nullptr;
     std::filesystem::path file_;
     std::filesystem::path fileAtRisk_;
-    std::optional<FileIdentity> opened_; ///< the file that was opened
-    std::vector<ErrorRecord> errors_;
+    std::optional<files::FileIdentity> opened_; ///< the file that was opened
+    std::vector<data::ErrorRecord> errors_;
 };
 
 } // namespace quillet::db

@@ -1,6 +1,6 @@
 #include "db/ConnectionString.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 
 #include <utility>
 
@@ -33,14 +33,14 @@ ConnectionString::ConnectionString(std::string text) : text_(std::move(text)) {
         Entry entry{position, 0, {}, {}};
         const std::size_t mark = all.find_first_of("=;", position);
         if (mark != std::string_view::npos && all[mark] == '=') {
-            entry.key = trimmed(all.substr(position, mark - position), Blanks);
+            entry.key = data::trimmed(all.substr(position, mark - position), Blanks);
             std::size_t begin = all.find_first_not_of(" \t", mark + 1);
             if (begin != std::string_view::npos && all[begin] == '{') {
                 entry.value = braced(all, begin);
                 entry.end = all.find(';', begin);
             } else {
                 entry.end = all.find(';', mark);
-                entry.value = trimmed(all.substr(mark + 1, entry.end - mark - 1), Blanks);
+                entry.value = data::trimmed(all.substr(mark + 1, entry.end - mark - 1), Blanks);
             }
         } else {
             entry.end = mark;
@@ -53,7 +53,7 @@ ConnectionString::ConnectionString(std::string text) : text_(std::move(text)) {
 
 std::string ConnectionString::value(std::string_view key) const {
     for (const Entry& entry : entries_) {
-        if (equalIgnoringCase(entry.key, key))
+        if (data::equalIgnoringCase(entry.key, key))
             return entry.value;
     }
     return {};
@@ -64,7 +64,7 @@ std::vector<std::string> ConnectionString::keys() const {
     for (const Entry& entry : entries_) {
         const std::string_view text =
             std::string_view(text_).substr(entry.begin, entry.end - entry.begin);
-        if (!entry.key.empty() || !trimmed(text, " \t\r\n;").empty())
+        if (!entry.key.empty() || !data::trimmed(text, " \t\r\n;").empty())
             result.push_back(entry.key);
     }
     return result;
@@ -73,7 +73,7 @@ std::vector<std::string> ConnectionString::keys() const {
 std::string ConnectionString::without(std::string_view key) const {
     std::string result;
     for (const Entry& entry : entries_) {
-        if (!equalIgnoringCase(entry.key, key))
+        if (!data::equalIgnoringCase(entry.key, key))
             result.append(text_, entry.begin, entry.end - entry.begin);
     }
     return result;

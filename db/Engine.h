@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 #include "db/WaitHandler.h"
 
 #include <memory>
@@ -17,12 +17,12 @@ public:
     virtual void execute(const std::string& statement) = 0;
 
     /// Runs exactly one query. The cursor must not outlive the engine.
-    virtual std::unique_ptr<Cursor> query(const std::string& source) = 0;
+    virtual std::unique_ptr<data::Cursor> query(const std::string& source) = 0;
 
     /// The same for a query of which one column is wanted. An engine that gains by it leaves the
     /// others out, and may deliver the rows in another order.
-    virtual std::unique_ptr<Cursor> queryColumn(const std::string& source,
-                                                const std::string& /*column*/) {
+    virtual std::unique_ptr<data::Cursor> queryColumn(const std::string& source,
+                                                      const std::string& /*column*/) {
         return query(source);
     }
 

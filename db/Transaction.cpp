@@ -11,7 +11,7 @@ Transaction::~Transaction() {
         return;
     try {
         connection_.RollbackTrans();
-    } catch (const Error&) { // NOLINT(bugprone-empty-catch): see the header
+    } catch (const data::Error&) { // NOLINT(bugprone-empty-catch): see the header
     }
 }
 

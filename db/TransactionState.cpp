@@ -1,6 +1,6 @@
 #include "db/TransactionState.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 namespace quillet::db {
 
@@ -11,13 +11,13 @@ constexpr long NoTransaction = -2147168242;
 
 void TransactionState::requireNone() const {
     if (active_)
-        throw Error({ErrorRecord{
+        throw data::Error({data::ErrorRecord{
             TransactionExists, "Only one transaction can be active on this session.", {}}});
 }
 
 void TransactionState::requireActive() const {
     if (!active_)
-        throw Error({ErrorRecord{NoTransaction, "No transaction is active.", {}}});
+        throw data::Error({data::ErrorRecord{NoTransaction, "No transaction is active.", {}}});
 }
 
 } // namespace quillet::db

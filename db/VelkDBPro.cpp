@@ -1,6 +1,6 @@
 #include "db/VelkDBPro.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "db/BatchProgress.h"
 #include "db/Transaction.h"
 
@@ -8,7 +8,7 @@
 
 namespace quillet::db {
 
-VelkDBPro::VelkDBPro(DailyLog dailyLog, Yield yield, WaitHandler* waits)
+VelkDBPro::VelkDBPro(logs::DailyLog dailyLog, Yield yield, WaitHandler* waits)
     : dailyLog_(std::move(dailyLog)), yield_(std::move(yield)), waits_(waits) {}
 
 void VelkDBPro::succeed() {
@@ -18,18 +18,18 @@ void VelkDBPro::succeed() {
 
 void VelkDBPro::failWithErrors() {
     StatusFlag = 0;
-    const std::vector<ErrorRecord>& Errs = Conn.Errors();
-    for (const ErrorRecord& record : Errs) {
+    const std::vector<data::ErrorRecord>& Errs = Conn.Errors();
+    for (const data::ErrorRecord& record : Errs) {
         if (!ErrText.empty())
             ErrText += "\r\n";
         ErrText += record.Description + "[" + std::to_string(record.Number) + "]";
     }
 }
 
-void VelkDBPro::failWith(const Error& error) {
+void VelkDBPro::failWith(const data::Error& error) {
     StatusFlag = 0;
     ErrText = std::to_string(error.Number()) + " : ";
-    ErrText += trimmed(error.what());
+    ErrText += data::trimmed(error.what());
 }
 
 void VelkDBPro::DBOpen(const std::string& constr) {
@@ -43,15 +43,15 @@ void VelkDBPro::DBOpen(const std::string& constr) {
     }
 }
 
-Recordset VelkDBPro::GET_RSS(const std::string& SSQL, std::string_view onlyColumn) {
-    Recordset result;
+data::Recordset VelkDBPro::GET_RSS(const std::string& SSQL, std::string_view onlyColumn) {
     try {
-        result.Open(SSQL, Conn, onlyColumn);
+        data::Recordset result = Conn.read(SSQL, onlyColumn);
         StatusFlag = 1;
+        return result;
     } catch (const std::exception&) {
         failWithErrors();
+        return {};
     }
-    return result;
 }
 
 void VelkDBPro::PUT_DATA_DEL(const StatementArray& SQL) {
@@ -62,7 +62,7 @@ void VelkDBPro::PUT_DATA_DEL(const StatementArray& SQL) {
         transaction.Commit();
         succeed();
     } catch (const std::exception&) {
-        failWith(currentError());
+        failWith(data::currentError());
     }
 }
 
@@ -71,7 +71,7 @@ void VelkDBPro::PUT_DATA_TABLE(const StatementArray& SQL, std::int16_t /*transac
     const auto passingOver = [](const auto& step) {
         try {
             step();
-        } catch (const Error&) {
+        } catch (const data::Error&) {
             return; // tolerated on purpose: the column may be there already
         }
     };
@@ -81,7 +81,7 @@ void VelkDBPro::PUT_DATA_TABLE(const StatementArray& SQL, std::int16_t /*transac
     passingOver([this] {
         try {
             Conn.CommitTrans();
-        } catch (const Error&) {
+        } catch (const data::Error&) {
             Conn.RollbackTrans(); // or the next batch would find this one's transaction open
             throw;
         }
@@ -107,12 +107,12 @@ void VelkDBPro::PUT_DATA(const StatementArray& SQL, std::int16_t /*transactionSw
         transaction.Commit();
         succeed();
     } catch (const std::exception&) {
-        const Error error = currentError();
+        const data::Error error = data::currentError();
         failWith(error);
         failedIndex_ = i;
         try {
             WriteDailyLog(error.Description(), "수신에러", i < SQL.size() ? SQL[i] : "", "", "");
-        } catch (const Error&) {
+        } catch (const data::Error&) {
             return; // a log folder that cannot be made; the failure itself stands in ErrText
         }
     }
@@ -127,7 +127,7 @@ void VelkDBPro::WriteDailyLog(const std::string& message, const std::string& kin
 void VelkDBPro::GET_DATA(const std::string& SSQL, TextTable& FD, std::int32_t& FDROW,
                          std::int32_t& FDCOL) {
     try {
-        Rs.Open(SSQL, Conn);
+        Rs = Conn.read(SSQL);
         if (Rs.RecordCount() == 0) {
             FDROW = 0;
             FDCOL = 0;
@@ -137,7 +137,7 @@ void VelkDBPro::GET_DATA(const std::string& SSQL, TextTable& FD, std::int32_t& F
             TextTable table;
             table.reserve(static_cast<std::size_t>(Rs.RecordCount()) + 1);
             table.emplace_back();
-            for (const Field& field : Rs.Fields())
+            for (const data::Field& field : Rs.Fields())
                 table.back().push_back(field.Name);
             for (; !Rs.Eof(); Rs.MoveNext()) {
                 table.emplace_back();

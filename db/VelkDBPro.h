@@ -1,9 +1,9 @@
 #pragma once
 
+#include "data/Recordset.h"
 #include "db/Connection.h"
 #include "db/Controls.h"
-#include "db/DailyLog.h"
-#include "db/Recordset.h"
+#include "logs/DailyLog.h"
 
 #include <array>
 #include <cstddef>
@@ -39,7 +39,7 @@ public:
     using Yield = std::function<void()>;
 
     /// @param waits see Connection::setWaitHandler().
-    VelkDBPro(DailyLog dailyLog, Yield yield, WaitHandler* waits = nullptr);
+    VelkDBPro(logs::DailyLog dailyLog, Yield yield, WaitHandler* waits = nullptr);
 
     void DBOpen(const std::string& constr);
 
@@ -63,8 +63,8 @@ public:
 
     /// Reads a query's rows, to look keys up in. After a failure the recordset is closed, not
     /// absent: ask Status(). A success deliberately leaves ErrText as it was.
-    /// @param onlyColumn see Recordset::Open().
-    Recordset GET_RSS(const std::string& SSQL, std::string_view onlyColumn = {});
+    /// @param onlyColumn see Connection::read().
+    data::Recordset GET_RSS(const std::string& SSQL, std::string_view onlyColumn = {});
 
     /// Runs every statement in one transaction, all or nothing.
     void PUT_DATA_DEL(const StatementArray& SQL);
@@ -99,15 +99,15 @@ private:
 
     void succeed();
     void failWithErrors();
-    void failWith(const Error& error);
+    void failWith(const data::Error& error);
 
     Connection Conn;
-    Recordset Rs;
+    data::Recordset Rs;
     std::int16_t StatusFlag = 0;
     std::string ErrText;
 
     std::size_t failedIndex_ = 0;
-    DailyLog dailyLog_;
+    logs::DailyLog dailyLog_;
     Yield yield_;
     WaitHandler* waits_;
 };

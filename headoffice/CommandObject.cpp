@@ -1,6 +1,6 @@
 #include "headoffice/CommandObject.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ std::vector<std::string> statementsOf(const rds::Variant& argument) {
     const auto* array = std::get_if<rds::VariantArray>(&argument);
     if (array == nullptr || array->isNull || array->dimensions.size() > 1 ||
         array->elementType == rds::VarType::Empty || array->elementType == rds::VarType::Null)
-        throw db::typeMismatch();
+        throw data::typeMismatch();
     std::vector<std::string> statements;
     std::int64_t index = array->dimensions.empty() ? 0 : array->dimensions.front().lowerBound;
     for (const rds::Variant& element : array->elements) {
@@ -48,7 +48,7 @@ void CommandObject::putsql(Arguments& arguments, rds::CallResult& result) {
         for (const UpdateStatement& update : updates)
             written_(update, result.peer());
         result.note(count);
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         arguments[1] = rds::Variant::string(error.Description());
         result.note(count + " refused");
         result.failed(error);

@@ -1,6 +1,6 @@
 #include "headoffice/HeadOffice.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/HttpOptions.h"
 #include "headoffice/admin/RefusalReason.h"
 #include "headoffice/database/OpenDatabase.h"
@@ -35,7 +35,8 @@ void writePortFile(const std::filesystem::path& file, std::uint16_t port) {
     else
         error = std::make_error_code(std::errc::io_error);
     if (error)
-        throw db::Error(db::number::InvalidArgument, "Cannot write the port file " + file.string());
+        throw data::Error(data::number::InvalidArgument,
+                          "Cannot write the port file " + file.string());
 }
 
 const char* labelOf(rds::HttpServer::Refusal refusal) {

@@ -23,7 +23,7 @@ class HeadOffice {
 public:
     /// Listens from now on.
     /// @param log gets a line per call.
-    /// @throws db::Error when an address cannot be used, a port file cannot be written or the
+    /// @throws data::Error when an address cannot be used, a port file cannot be written or the
     ///         password's file cannot be read.
     HeadOffice(const Options& options, std::ostream& log);
 

@@ -1,6 +1,6 @@
 #include "headoffice/Options.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/HttpOptions.h"
 #include "headoffice/database/OpenDatabase.h"
 #include "rds/http/AddressList.h"
@@ -16,7 +16,7 @@ namespace quillet::headoffice {
 namespace {
 
 [[noreturn]] void refuse(const std::string& sentence) {
-    throw db::Error(db::number::InvalidArgument, sentence);
+    throw data::Error(data::number::InvalidArgument, sentence);
 }
 
 /// The options as CLI11 fills them: texts that are ours to understand, and plain numbers.

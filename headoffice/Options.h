@@ -45,7 +45,7 @@ struct Options {
 };
 
 /// @param arguments without the program's name.
-/// @throws db::Error 3001 with a sentence for the user when they cannot be understood, contradict
+/// @throws data::Error 3001 with a sentence for the user when they cannot be understood, contradict
 ///         each other, or would open the server to more than they name.
 Options parseOptions(const std::vector<std::string>& arguments);
 

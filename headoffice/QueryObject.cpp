@@ -1,6 +1,6 @@
 #include "headoffice/QueryObject.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/guards/QueryGuard.h"
 
 #include <string>
@@ -21,7 +21,7 @@ void QueryObject::getsql(Arguments& arguments, rds::CallResult& result) {
     try {
         const auto cursor = session.query(sql);
         result.rows(*cursor);
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         session.explain();
         throw;
     }

@@ -1,6 +1,6 @@
 #include "headoffice/RequestLog.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -24,7 +24,8 @@ std::size_t valueLength(std::string_view text) {
 
 } // namespace
 
-RequestLog::RequestLog(std::ostream& out, db::Clock clock) : out_(out), clock_(std::move(clock)) {}
+RequestLog::RequestLog(std::ostream& out, logs::Clock clock)
+    : out_(out), clock_(std::move(clock)) {}
 
 void RequestLog::write(const rds::CallRecord& record) {
     std::string line = record.peer + ' ' + record.target + ' ';
@@ -55,7 +56,7 @@ void RequestLog::refused(std::string_view reason, const std::string& peer) {
 }
 
 void RequestLog::write(const std::string& line) {
-    out_ << db::dateTimeText(clock_()) << ' ' << withoutSecrets(line) << std::endl;
+    out_ << logs::dateTimeText(clock_()) << ' ' << withoutSecrets(line) << std::endl;
 }
 
 std::string withoutSecrets(std::string_view text) {
@@ -63,7 +64,7 @@ std::string withoutSecrets(std::string_view text) {
     while (!text.empty()) {
         bool masked = false;
         for (const std::string_view key : {"PWD=", "PASSWORD="}) {
-            if (!db::equalIgnoringCase(text.substr(0, key.size()), key))
+            if (!data::equalIgnoringCase(text.substr(0, key.size()), key))
                 continue;
             result += text.substr(0, key.size());
             result += "***";

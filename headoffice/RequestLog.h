@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Clock.h"
+#include "logs/Clock.h"
 #include "rds/CallServer.h"
 
 #include <chrono>
@@ -19,7 +19,7 @@ namespace quillet::headoffice {
 /// May be written to from several threads.
 class RequestLog {
 public:
-    explicit RequestLog(std::ostream& out, db::Clock clock = db::localNow);
+    explicit RequestLog(std::ostream& out, logs::Clock clock = logs::localNow);
 
     void write(const rds::CallRecord& record);
 
@@ -36,7 +36,7 @@ private:
     void write(const std::string& line);
 
     std::ostream& out_;
-    db::Clock clock_;
+    logs::Clock clock_;
     std::mutex mutex_;
     std::map<std::string, Refused, std::less<>> refused_; ///< by reason
 };

@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/HeadOffice.h"
 #include "headoffice/Options.h"
 #include "headoffice/database/DatabaseProbe.h"
@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
     headoffice::Options options;
     try {
         options = headoffice::parseOptions(std::vector<std::string>(argv + 1, argv + argc));
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         std::cerr << "quillet-headoffice: " << error.what() << '\n';
         return 2;
     }

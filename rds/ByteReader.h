@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <bit>
 #include <cstddef>
@@ -52,8 +52,8 @@ public:
     ByteReader block(std::uint64_t count) { return ByteReader(bytes(count)); }
 
     [[noreturn]] void failCutShort() const {
-        throw db::Error(db::number::Unspecified,
-                        "The reply is cut short at byte " + std::to_string(bytes_.size()) + ".");
+        throw data::Error(data::number::Unspecified,
+                          "The reply is cut short at byte " + std::to_string(bytes_.size()) + ".");
     }
 
 private:
@@ -78,8 +78,8 @@ private:
 };
 
 /// The error for a message that is whole but cannot be right.
-inline db::Error badReply(const std::string& what) {
-    return {db::number::Unspecified, "The reply cannot be read: " + what + "."};
+inline data::Error badReply(const std::string& what) {
+    return {data::number::Unspecified, "The reply cannot be read: " + what + "."};
 }
 
 } // namespace quillet::rds

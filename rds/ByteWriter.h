@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 
 #include <algorithm>
 #include <bit>
@@ -47,7 +47,7 @@ public:
     std::size_t utf16(std::string_view utf8) {
         const std::size_t before = bytes_.size();
         bytes_.resize(before + 2 * utf8.size());
-        const std::size_t taken = db::utf8ToUtf16Le(utf8, bytes_.data() + before);
+        const std::size_t taken = data::utf8ToUtf16Le(utf8, bytes_.data() + before);
         bytes_.resize(before + taken);
         return taken;
     }

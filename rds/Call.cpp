@@ -1,7 +1,7 @@
 #include "rds/Call.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 #include "rds/MessageFormat.h"
 #include "rds/MessageReader.h"
 #include "rds/MessageWriter.h"
@@ -37,7 +37,7 @@ constexpr std::uint32_t ControlFacility = 0x800A0000;
 long numberOf(std::uint32_t scode) {
     if (scode > ControlFacility && scode - ControlFacility <= 0xFFFF)
         return static_cast<long>(scode - ControlFacility);
-    return scode == 0 ? db::number::Unspecified
+    return scode == 0 ? data::number::Unspecified
                       : static_cast<long>(static_cast<std::int32_t>(scode));
 }
 
@@ -61,7 +61,7 @@ void splitPath(std::string_view path, Call& call) {
 
 } // namespace
 
-db::Error failureOf(const ScodeError& error) {
+data::Error failureOf(const ScodeError& error) {
     const bool wrapped = error.scode == scode::Exception && error.innerScode != 0;
     const std::uint32_t code = wrapped ? error.innerScode : error.scode;
     return {numberOf(code), describe(error)};
@@ -76,7 +76,7 @@ CallError::CallError(ScodeError error)
     : std::runtime_error(describe(error)), error_(std::move(error)) {}
 
 bool isCallPath(std::string_view path) noexcept {
-    return db::startsWithIgnoringCase(path, Endpoint);
+    return data::startsWithIgnoringCase(path, Endpoint);
 }
 
 std::string callPath(const Call& call) {
@@ -115,7 +115,7 @@ Call decodeCall(std::string_view path, std::string_view body, std::string_view c
                            " arguments instead of " + std::to_string(message.argumentCount));
         call.boundary = std::move(message.boundary);
         call.arguments = std::move(message.values);
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         throw CallError(malformed(error.Description()));
     }
     std::reverse(call.arguments.begin(), call.arguments.end());
@@ -158,11 +158,11 @@ void writeReplyResult(const ByteSink& sink, const std::string& boundary, const V
     sink(out.view());
 }
 
-void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows) {
+void writeReplyResult(const ByteSink& sink, const std::string& boundary, data::Cursor& rows) {
     writeReplyResult(sink, boundary, rows, describeResult(rows.fields()));
 }
 
-void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows,
+void writeReplyResult(const ByteSink& sink, const std::string& boundary, data::Cursor& rows,
                       const TablegramMetadata& metadata) {
     TablegramWriter writer(sink, metadata);
     ByteWriter out;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/ByteWriter.h"
 #include "rds/Variant.h"
 #include "rds/tablegram/TablegramMetadata.h"
@@ -51,7 +51,7 @@ Call decodeCall(std::string_view path, std::string_view body, std::string_view c
 /// count, or does not end with its closing delimiter is an error. Bytes behind that are ignored.
 /// @param arguments how many the call had.
 /// @param contentType of the HTTP head, where a server may put the headline.
-/// @throws db::Error with the server's own number and description for a failed call, or
+/// @throws data::Error with the server's own number and description for a failed call, or
 ///         `number::Unspecified` for a reply that cannot be read.
 Reply decodeReply(std::string_view body, std::size_t arguments, std::string_view contentType = {});
 
@@ -65,10 +65,10 @@ void writeReplyHead(const ByteSink& sink, const std::string& boundary,
 void writeReplyResult(const ByteSink& sink, const std::string& boundary, const Variant& result);
 
 /// Writes the result part of a recordset straight from a database cursor, row by row.
-void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows);
+void writeReplyResult(const ByteSink& sink, const std::string& boundary, data::Cursor& rows);
 
 /// The same with a description of the columns that says more than the cursor knows.
-void writeReplyResult(const ByteSink& sink, const std::string& boundary, db::Cursor& rows,
+void writeReplyResult(const ByteSink& sink, const std::string& boundary, data::Cursor& rows,
                       const TablegramMetadata& metadata);
 
 /// Writes the closing delimiter.
@@ -83,7 +83,7 @@ std::uint32_t scodeOf(long number) noexcept;
 
 /// The run-time error that a failed call raises: that of the object itself where the call only says
 /// that there was one. Its number is never 0.
-db::Error failureOf(const ScodeError& error);
+data::Error failureOf(const ScodeError& error);
 
 /// A call that the server side refuses or fails, with what it sends back.
 class CallError : public std::runtime_error {

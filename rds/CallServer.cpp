@@ -1,7 +1,7 @@
 #include "rds/CallServer.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 
 #include <cstdint>
 #include <exception>
@@ -57,12 +57,12 @@ private:
     bool begun_ = false;
 };
 
-class CountingCursor : public db::Cursor {
+class CountingCursor : public data::Cursor {
 public:
-    CountingCursor(db::Cursor& cursor, std::size_t& rows) : cursor_(cursor), rows_(rows) {}
+    CountingCursor(data::Cursor& cursor, std::size_t& rows) : cursor_(cursor), rows_(rows) {}
 
-    const db::FieldList& fields() const override { return cursor_.fields(); }
-    db::Value value(std::size_t column) const override { return cursor_.value(column); }
+    const data::FieldList& fields() const override { return cursor_.fields(); }
+    data::Value value(std::size_t column) const override { return cursor_.value(column); }
     bool next() override {
         const bool row = cursor_.next();
         rows_ += row ? 1 : 0;
@@ -70,7 +70,7 @@ public:
     }
 
 private:
-    db::Cursor& cursor_;
+    data::Cursor& cursor_;
     std::size_t& rows_;
 };
 
@@ -82,7 +82,7 @@ public:
         : sink_([&body](std::string_view bytes) { body.append(bytes); }), call_(call),
           returned_(returned), gone_(std::move(gone)), record_(record) {}
 
-    void rows(db::Cursor& cursor) override {
+    void rows(data::Cursor& cursor) override {
         writeHead();
         CountingCursor counting(cursor, record_.rows);
         writeReplyResult(sink_, call_.boundary, counting);
@@ -96,7 +96,7 @@ public:
 
     void note(std::string summary) override { record_.summary = std::move(summary); }
 
-    void failed(const db::Error& error) override {
+    void failed(const data::Error& error) override {
         record_.error = errorText(error.Number(), error.Description());
     }
 
@@ -135,9 +135,9 @@ CallServer::CallServer(Options options, Observer observer)
     : options_(options), observer_(std::move(observer)) {}
 
 void CallServer::add(const std::string& progId, ServerObject& object) {
-    auto& methods = objects_[db::upperCase(progId)];
+    auto& methods = objects_[data::upperCase(progId)];
     for (ServerObject::Method& method : object.methods())
-        methods.insert_or_assign(db::upperCase(method.name), std::move(method));
+        methods.insert_or_assign(data::upperCase(method.name), std::move(method));
 }
 
 void CallServer::handle(const HttpRequest& request, HttpReply& reply) const {
@@ -189,7 +189,7 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
     } catch (const std::exception&) {
         if (body.begun())
             throw;
-        const db::Error exception = db::currentError();
+        const data::Error exception = data::currentError();
         error = failure(scode::Exception, exception.Number(), record.target, exception.what());
     }
     record.error = errorText(failureOf(error).Number(), error.description.text.value_or(""));
@@ -198,11 +198,11 @@ void CallServer::answer(const HttpRequest& request, HttpReply& reply, CallRecord
 }
 
 const ServerObject::Method& CallServer::find(const Call& call) const {
-    const auto object = objects_.find(db::upperCase(call.progId));
+    const auto object = objects_.find(data::upperCase(call.progId));
     if (object == objects_.end())
         throw CallError(failure(scode::InvalidArgument, 0, call.progId,
                                 "There is no object '" + call.progId + "' on this server."));
-    const auto method = object->second.find(db::upperCase(call.method));
+    const auto method = object->second.find(data::upperCase(call.method));
     if (method == object->second.end())
         throw CallError(
             failure(scode::UnknownMethod, 0, call.progId,

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/Cursor.h"
-#include "db/Error.h"
+#include "data/Cursor.h"
+#include "data/Error.h"
 #include "rds/Call.h"
 #include "rds/http/HttpServer.h"
 
@@ -23,7 +23,7 @@ public:
     virtual ~CallResult() = default;
 
     /// Streams the remaining rows of a query as a recordset.
-    virtual void rows(db::Cursor& cursor) = 0;
+    virtual void rows(data::Cursor& cursor) = 0;
 
     virtual void value(const Variant& result) = 0;
 
@@ -31,7 +31,7 @@ public:
     virtual void note(std::string summary) = 0;
 
     /// Says for the log that the call failed, although its result goes out.
-    virtual void failed(const db::Error& error) = 0;
+    virtual void failed(const data::Error& error) = 0;
 
     /// The caller's address and port.
     virtual const std::string& peer() const = 0;
@@ -50,7 +50,7 @@ public:
         std::string name;
         /// One per argument: whether it is by reference, and so may be returned.
         std::vector<bool> byReference;
-        /// Fails by throwing: db::Error and others as an exception of the object, CallError as
+        /// Fails by throwing: data::Error and others as an exception of the object, CallError as
         /// it stands.
         std::function<void(Arguments& arguments, CallResult& result)> run;
     };
@@ -93,7 +93,7 @@ public:
     /// Answers `POST /msadc/msadcs.dll/<ProgID>.<Method>`; another path is 404, another HTTP
     /// method 405. A call that fails before its reply has begun is answered with a whole-call
     /// error: scode::InvalidArgument for a malformed request or an unknown object,
-    /// scode::UnknownMethod, or scode::Exception with the number of the db::Error inside. The
+    /// scode::UnknownMethod, or scode::Exception with the number of the data::Error inside. The
     /// first part of a reply is held back, so short replies never break off.
     /// @throws what broke a reply that has begun.
     void handle(const HttpRequest& request, HttpReply& reply) const;

@@ -1,7 +1,7 @@
 #include "rds/DataSpace.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <string_view>
@@ -13,7 +13,7 @@ namespace {
 constexpr std::string_view Scheme = "http://";
 
 bool hasScheme(std::string_view connection) {
-    return db::equalIgnoringCase(connection.substr(0, Scheme.size()), Scheme);
+    return data::equalIgnoringCase(connection.substr(0, Scheme.size()), Scheme);
 }
 
 /// A ProgID stands in the request line as it is.
@@ -34,7 +34,8 @@ RemoteObject DataSpace::CreateObject(const std::string& progId,
         server = server.substr(0, server.find_last_not_of(" /") + 1);
     }
     if (server.empty() || !fitsRequestLine(progId))
-        throw db::Error(db::number::CannotCreateObject, "ActiveX component can't create object");
+        throw data::Error(data::number::CannotCreateObject,
+                          "ActiveX component can't create object");
     return RemoteObject(progId, std::string(server), HttpClient(limits_, whileWaiting_));
 }
 

@@ -19,7 +19,7 @@ public:
     /// Makes a proxy; the server is not asked before the first call.
     /// @param progId of the server-side object.
     /// @param connection "http://" and the server's name or address, optionally with a port.
-    /// @throws db::Error 429 for a blank or impossible ProgID, a blank server, or anything but
+    /// @throws data::Error 429 for a blank or impossible ProgID, a blank server, or anything but
     ///         an http address.
     RemoteObject CreateObject(const std::string& progId, const std::string& connection) const;
 

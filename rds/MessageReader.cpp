@@ -1,6 +1,6 @@
 #include "rds/MessageReader.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "rds/ByteReader.h"
 #include "rds/MessageFormat.h"
 #include "rds/VariantCodec.h"
@@ -16,7 +16,7 @@ namespace {
 
 /// Takes a prefix off a line if it is there in any letter case.
 bool takePrefix(std::string_view& line, std::string_view prefix) noexcept {
-    const bool matches = db::startsWithIgnoringCase(line, prefix);
+    const bool matches = data::startsWithIgnoringCase(line, prefix);
     if (matches)
         line.remove_prefix(prefix.size());
     return matches;
@@ -80,7 +80,7 @@ std::string describeForeign(std::string_view start) {
         return "compressed data";
     if (start.starts_with(ByteOrderMark))
         start.remove_prefix(ByteOrderMark.size());
-    start = db::trimmed(start, Blanks);
+    start = data::trimmed(start, Blanks);
     if (start.starts_with('<'))
         return "a web page";
     std::string text;
@@ -143,8 +143,8 @@ bool startsAsMessage(std::string_view start, std::string_view contentType) {
     const bool inHead = takePrefix(contentType, format::Multipart);
     bool isCut = false;
     const auto starts = [&](std::string_view expected) {
-        isCut = isCut || db::startsWithIgnoringCase(expected, start);
-        return db::startsWithIgnoringCase(start, expected);
+        isCut = isCut || data::startsWithIgnoringCase(expected, start);
+        return data::startsWithIgnoringCase(start, expected);
     };
     if (starts(headline) || starts(callError) || starts(format::ClientVersion) ||
         (inHead && (starts(part) || starts(format::Delimiter))))

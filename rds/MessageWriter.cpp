@@ -1,6 +1,6 @@
 #include "rds/MessageWriter.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/MessageFormat.h"
 #include "rds/VariantCodec.h"
 
@@ -28,8 +28,8 @@ void writeContentType(ByteWriter& out, std::string_view boundary) {
 
 void writeHeadline(ByteWriter& out, std::string_view boundary, std::size_t arguments) {
     if (arguments > format::MaxArguments)
-        throw db::Error(db::number::InvalidArgument,
-                        "A remote call cannot have " + std::to_string(arguments) + " arguments.");
+        throw data::Error(data::number::InvalidArgument,
+                          "A remote call cannot have " + std::to_string(arguments) + " arguments.");
     out.bytes(format::ContentType);
     out.bytes(format::Multipart);
     out.bytes(boundary);

@@ -9,7 +9,7 @@
 namespace quillet::rds {
 
 /// Appends the line that names boundary and number of arguments.
-/// @throws db::Error 3001 for more arguments than a message can have.
+/// @throws data::Error 3001 for more arguments than a message can have.
 void writeHeadline(ByteWriter& out, std::string_view boundary, std::size_t arguments);
 
 /// Appends the arguments, last one first: neighbours that are groupable share a part that tells

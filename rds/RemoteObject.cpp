@@ -1,6 +1,6 @@
 #include "rds/RemoteObject.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/MessageReader.h"
 
 #include <utility>
@@ -18,7 +18,7 @@ std::string returned(const Variant& argument, const std::string& kept) {
         return kept;
     try {
         return argument.toText();
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         return kept;
     }
 }
@@ -33,7 +33,7 @@ std::vector<std::string> returned(const Variant& argument, const std::vector<std
         for (const Variant& element : array->elements)
             texts.push_back(element.toText());
         return texts;
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         return kept;
     }
 }
@@ -47,7 +47,7 @@ bool toBoolean(const Variant& value) {
         return *number != 0;
     if (value.isEmpty())
         return false;
-    throw db::typeMismatch();
+    throw data::typeMismatch();
 }
 
 } // namespace
@@ -55,15 +55,15 @@ bool toBoolean(const Variant& value) {
 RemoteObject::RemoteObject(std::string progId, std::string server, HttpClient client)
     : progId_(std::move(progId)), server_(std::move(server)), client_(client) {}
 
-db::Recordset RemoteObject::Getsql(std::string& sql, std::int16_t first, std::int16_t second,
-                                   Variant& information, std::string& connection) {
+data::Recordset RemoteObject::Getsql(std::string& sql, std::int16_t first, std::int16_t second,
+                                     Variant& information, std::string& connection) {
     Reply reply = invoke("Getsql", {Variant::string(sql), Variant(first), Variant(second),
                                     information, Variant::string(connection)});
     const auto* object = reply.result ? std::get_if<Dispatch>(&*reply.result) : nullptr;
     if (object == nullptr)
-        throw db::typeMismatch();
+        throw data::typeMismatch();
     if (!object->recordset)
-        throw db::Error(ObjectVariableNotSet, "Object variable or With block variable not set");
+        throw data::Error(ObjectVariableNotSet, "Object variable or With block variable not set");
     std::string newSql = returned(reply.arguments[0], sql);
     std::string newConnection = returned(reply.arguments[4], connection);
     sql = std::move(newSql);
@@ -78,7 +78,7 @@ bool RemoteObject::PUTSQL(std::vector<std::string>& statements, std::string& err
     const Reply reply = invoke("PUTSQL", {Variant::strings(statements), Variant::string(errorText),
                                           Variant::string(connection)});
     if (!reply.result)
-        throw db::typeMismatch();
+        throw data::typeMismatch();
     const bool executed = toBoolean(*reply.result);
     auto newStatements = returned(reply.arguments[0], statements);
     std::string newErrorText = returned(reply.arguments[1], errorText);

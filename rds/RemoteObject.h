@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "rds/Call.h"
 #include "rds/Variant.h"
 #include "rds/http/HttpClient.h"
@@ -15,7 +15,7 @@ namespace quillet::rds {
 ///
 /// By-reference arguments take the value that the server returns and keep their own where it
 /// returns none; a call that fails changes nothing.
-/// @throws db::Error from every call: 462 when the server cannot be reached, is too slow, or its
+/// @throws data::Error from every call: 462 when the server cannot be reached, is too slow, or its
 ///         answer is cut short or too large, `number::Canceled` when the caller has ended the call,
 ///         the server's own number and description when the call failed there, 13 for a result of
 ///         another type.
@@ -27,9 +27,9 @@ public:
     /// @param first, second 0 and 1; their meaning is the server's.
     /// @param information is passed Empty.
     /// @param connection the connection string with which the server opens its database.
-    /// @throws db::Error also 91 when the server returns no object.
-    db::Recordset Getsql(std::string& sql, std::int16_t first, std::int16_t second,
-                         Variant& information, std::string& connection);
+    /// @throws data::Error also 91 when the server returns no object.
+    data::Recordset Getsql(std::string& sql, std::int16_t first, std::int16_t second,
+                           Variant& information, std::string& connection);
 
     /// Runs statements on the server.
     /// @param statements from element 1 on; element 0 is not used.

@@ -1,6 +1,6 @@
 #include "rds/Variant.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/tablegram/OleDate.h"
 #include "rds/tablegram/WideDecimal.h"
 
@@ -72,12 +72,12 @@ bool Variant::isGroupable() const noexcept {
 }
 
 std::string Variant::toText() const {
-    using db::Value;
+    using data::Value;
     switch (isArray() ? VarType::Variant : type()) {
     case VarType::Empty:
         return {};
     case VarType::Null:
-        throw db::invalidUseOfNull();
+        throw data::invalidUseOfNull();
     case VarType::I2:
         return Value::integer(std::get<std::int16_t>(*this)).toText();
     case VarType::I4:
@@ -99,7 +99,7 @@ std::string Variant::toText() const {
     case VarType::UI1:
         return Value::integer(std::get<std::uint8_t>(*this)).toText();
     default:
-        throw db::typeMismatch();
+        throw data::typeMismatch();
     }
 }
 

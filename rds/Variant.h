@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 
 #include <cstdint>
 #include <memory>
@@ -79,7 +79,7 @@ struct ScodeError {
 
 /// An object reference. The only object that travels is a recordset; none is "Nothing".
 struct Dispatch {
-    std::shared_ptr<db::Recordset> recordset;
+    std::shared_ptr<data::Recordset> recordset;
     friend bool operator==(const Dispatch&, const Dispatch&) = default;
 };
 
@@ -123,7 +123,7 @@ public:
     bool isGroupable() const noexcept;
 
     /// The value as text where OLE Automation would convert it; an Empty or null string is "".
-    /// @throws db::Error 13 (type mismatch) for objects, errors and arrays, 94 for Null.
+    /// @throws data::Error 13 (type mismatch) for objects, errors and arrays, 94 for Null.
     std::string toText() const;
 };
 

@@ -1,6 +1,6 @@
 #include "rds/VariantCodec.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 #include "rds/tablegram/TablegramReader.h"
 #include "rds/tablegram/TablegramWriter.h"
 
@@ -68,9 +68,9 @@ ElementForm formOf(VarType type) {
 }
 
 /// The rows of a recordset as the tablegram writer takes them.
-class RecordsetRows : public db::Cursor {
+class RecordsetRows : public data::Cursor {
 public:
-    explicit RecordsetRows(db::Recordset& recordset) : recordset_(recordset) {
+    explicit RecordsetRows(data::Recordset& recordset) : recordset_(recordset) {
         if (recordset_.RecordCount() > 0)
             recordset_.MoveFirst();
     }
@@ -81,17 +81,17 @@ public:
     RecordsetRows(const RecordsetRows&) = delete;
     RecordsetRows& operator=(const RecordsetRows&) = delete;
 
-    const db::FieldList& fields() const override { return recordset_.Fields(); }
+    const data::FieldList& fields() const override { return recordset_.Fields(); }
     bool next() override {
         if (started_)
             recordset_.MoveNext();
         started_ = true;
         return !recordset_.Eof();
     }
-    db::Value value(std::size_t column) const override { return recordset_.Item(column); }
+    data::Value value(std::size_t column) const override { return recordset_.Item(column); }
 
 private:
-    db::Recordset& recordset_;
+    data::Recordset& recordset_;
     bool started_ = false;
 };
 
@@ -187,7 +187,8 @@ void write(const VariantArray& array, ByteWriter& out) {
         if (array.elementType == VarType::Variant) {
             encodeValue(element, out);
         } else if (element.isArray() || element.type() != valueType) {
-            throw db::Error(db::number::TypeMismatch, "An array has an element of another type.");
+            throw data::Error(data::number::TypeMismatch,
+                              "An array has an element of another type.");
         } else {
             writeContent(element, out);
         }
@@ -270,7 +271,7 @@ BStr VariantDecoder::string() {
         throw badReply("a string has an odd number of bytes");
     const std::string_view wide = in_.bytes(size);
     std::string text(size / 2 * 3, '\0');
-    text.resize(db::utf16LeToUtf8(wide.data(), size / 2, text.data()));
+    text.resize(data::utf16LeToUtf8(wide.data(), size / 2, text.data()));
     text.shrink_to_fit();
     return BStr{std::move(text)};
 }
@@ -304,7 +305,7 @@ Dispatch VariantDecoder::dispatch() {
     if (in_.u8() != NotNull)
         return {};
     in_.skip(32); // interface and implementation; the tablegram says itself what it is
-    return Dispatch{std::make_shared<db::Recordset>(readTablegram(in_))};
+    return Dispatch{std::make_shared<data::Recordset>(readTablegram(in_))};
 }
 
 VariantArray VariantDecoder::array(VarType elementType, int depth) {

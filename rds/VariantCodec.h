@@ -15,7 +15,7 @@ std::string_view recordsetHead();
 
 /// Appends a value with its type code (MS-ADTG 2.2.1). A recordset is written from its first row
 /// on and stands there afterwards.
-/// @throws db::Error 13 for an array whose elements are not of its element type, and as
+/// @throws data::Error 13 for an array whose elements are not of its element type, and as
 ///         TablegramWriter.
 void encodeValue(const Variant& value, ByteWriter& out);
 
@@ -34,7 +34,7 @@ public:
         : in_(in), valuesLeft_(FreeValues + in.remaining() / BytesPerValue) {}
 
     /// Reads a value with its type code.
-    /// @throws db::Error `number::Unspecified` when the bytes are no such value.
+    /// @throws data::Error `number::Unspecified` when the bytes are no such value.
     Variant next();
 
 private:

@@ -1,6 +1,6 @@
 #include "receivers/CustomerTable.h"
 
-#include "db/Value.h"
+#include "data/Value.h"
 #include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
 
@@ -53,7 +53,7 @@ bool takeSeparator(std::string_view& text) {
 
 /// The day that a text of year, month and day begins with; a time, or a piece of one, may follow.
 /// Any other order or length could as well be another day.
-std::optional<db::DateTime> dayOf(std::string_view text) {
+std::optional<data::DateTime> dayOf(std::string_view text) {
     unsigned year = 0;
     unsigned month = 0;
     unsigned day = 0;
@@ -68,16 +68,16 @@ std::optional<db::DateTime> dayOf(std::string_view text) {
                                      std::chrono::month(month), std::chrono::day(day))
              .ok())
         return std::nullopt;
-    return db::DateTime{.year = static_cast<std::int16_t>(year),
-                        .month = static_cast<std::uint8_t>(month),
-                        .day = static_cast<std::uint8_t>(day)};
+    return data::DateTime{.year = static_cast<std::int16_t>(year),
+                          .month = static_cast<std::uint8_t>(month),
+                          .day = static_cast<std::uint8_t>(day)};
 }
 
 /// A date's day as "YYYY-MM-DD"; what is no date (a blank, the zero date) comes back as it is.
 std::string dayText(const std::string& text) {
     std::string day = firstTen(text);
     const auto date = dayOf(day);
-    return date ? db::Value::date(*date).toText() : day;
+    return date ? data::Value::date(*date).toText() : day;
 }
 
 std::string render(const sync::SqlTemplate& statement, const sync::ServerRow& row) {

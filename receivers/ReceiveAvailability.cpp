@@ -26,7 +26,7 @@ const sync::SqlTemplate Update(" UPDATE PR SET PR_VISIBLE = {#1?} WHERE PR_CODE 
 
 bool ReceiveAvailability(sync::Run& run) {
     return sync::guardReceiver(run, ProductsTitle, [&](std::size_t& /*handledRows*/) {
-        db::Recordset ServerRs =
+        data::Recordset ServerRs =
             run.queryServer(serverSql(run.stamp(sync::Group::Menu), run.storeCodeSetting()));
         run.RowTotal += ServerRs.RecordCount();
         const sync::ServerRow row(ServerRs);

@@ -1,6 +1,6 @@
 #include "receivers/ReceiveBusinessInformation.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "receivers/Titles.h"
 #include "sync/LeadingNumber.h"
 #include "sync/Receiver.h"
@@ -39,7 +39,7 @@ using Texts = std::array<std::string, Particulars>;
 Texts cleaned(const sync::ServerRow& row) {
     Texts V;
     for (std::size_t i = 0; i < V.size(); ++i) {
-        V[i] = db::trimmed(row.text(i));
+        V[i] = data::trimmed(row.text(i));
         if (V[i].empty())
             V[i] = " ";
     }
@@ -59,7 +59,7 @@ const sync::SqlTemplate
 
 bool ReceiveBusinessInformation(sync::Run& run) {
     return sync::guardReceiver(run, BusinessInformationTitle, [&](std::size_t& /*handledRows*/) {
-        const db::Recordset ServerRs = run.queryServer(serverSql(run.headOffice.storeCode));
+        const data::Recordset ServerRs = run.queryServer(serverSql(run.headOffice.storeCode));
         if (ServerRs.Eof())
             return;
         run.RowTotal = 8; // deliberately, however many statements follow

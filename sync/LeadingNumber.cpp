@@ -1,6 +1,6 @@
 #include "sync/LeadingNumber.h"
 
-#include "db/Value.h"
+#include "data/Value.h"
 
 #include <algorithm>
 #include <charconv>
@@ -40,7 +40,7 @@ std::int16_t leadingInteger(std::string_view text) noexcept {
 }
 
 std::string numberText(double value) {
-    return db::Value::real(value).toText();
+    return data::Value::real(value).toText();
 }
 
 } // namespace quillet::sync

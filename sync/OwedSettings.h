@@ -23,7 +23,7 @@ public:
 
     /// Before the commit.
     /// @param stamp what since() said.
-    /// @throws db::Error 75 when it cannot be brought to the disk: the commit must not come then.
+    /// @throws data::Error 75 when it cannot be brought to the disk: the commit must not come then.
     void note(const std::string& stamp);
 
     /// After a batch that is known to have been rolled back: what note() has noted goes. What is

@@ -1,6 +1,6 @@
 #include "sync/QuoteGuard.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "sync/StatementSubject.h"
 
 #include <algorithm>
@@ -19,9 +19,9 @@ void QuoteGuard::look(std::string_view text) {
 }
 
 void QuoteGuard::refuse(std::string_view statement) {
-    throw db::Error(db::number::CommandText,
-                    "What is behind a quote in a received text would be run as a statement's: " +
-                        statementSubject(statement));
+    throw data::Error(data::number::CommandText,
+                      "What is behind a quote in a received text would be run as a statement's: " +
+                          statementSubject(statement));
 }
 
 } // namespace quillet::sync

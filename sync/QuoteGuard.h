@@ -33,7 +33,7 @@ public:
         return undoubled_ % 2 != 0 && !otherMarks_ ? Verdict::Surfaces : Verdict::Refused;
     }
 
-    /// @throws db::Error number::CommandText, naming the statement's row, if it is refused.
+    /// @throws data::Error number::CommandText, naming the statement's row, if it is refused.
     void require(std::string_view statement) const {
         if (verdict() == Verdict::Refused)
             refuse(statement);

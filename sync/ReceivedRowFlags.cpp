@@ -8,7 +8,7 @@ void MigrateFlagColumns(Run& run) {
                                      "ALTER TABLE PRO ADD COLUMN PRO_RCV TEXT(1) "};
     std::string unread;
     run.store().PUT_DATA_TABLE(columns, 0, unread);
-    run.saveSetting(StoreApplication, "RCV", "TABLEUPDATE", db::dateTimeText(run.now()));
+    run.saveSetting(StoreApplication, "RCV", "TABLEUPDATE", logs::dateTimeText(run.now()));
 }
 
 void SweepReceivedRows(Run& run) {

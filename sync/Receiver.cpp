@@ -1,6 +1,6 @@
 #include "sync/Receiver.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 namespace quillet::sync {
 
@@ -25,18 +25,18 @@ void appendIfAny(Run& run, std::optional<std::string> statement) {
 
 /// Reads the look-up rows' keys. A failed snapshot comes back closed; using it is the error, and
 /// what the store said of it tells the technician why.
-db::Recordset snapshot(Run& run, const Upsert& upsert) {
-    db::Recordset StoreRs = run.store().GET_RSS(std::string(upsert.StoreSql),
-                                                db::Recordset::columnOf(upsert.criteria.opening()));
+data::Recordset snapshot(Run& run, const Upsert& upsert) {
+    data::Recordset StoreRs = run.store().GET_RSS(
+        std::string(upsert.StoreSql), data::Recordset::columnOf(upsert.criteria.opening()));
     if (run.store().Status() != 1)
-        throw db::Error(db::number::ObjectClosed,
-                        "Operation is not allowed when the object is closed. " +
-                            run.store().errorText());
+        throw data::Error(data::number::ObjectClosed,
+                          "Operation is not allowed when the object is closed. " +
+                              run.store().errorText());
     return StoreRs;
 }
 
 void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
-    db::Recordset ServerRs = run.queryServer(upsert.ServerSql);
+    data::Recordset ServerRs = run.queryServer(upsert.ServerSql);
     if (ServerRs.Eof())
         return;
     run.RowTotal =
@@ -44,7 +44,7 @@ void collect(Run& run, const Upsert& upsert, std::size_t& handledRows) {
     if (upsert.beforeLookup)
         upsert.beforeLookup();
 
-    db::Recordset StoreRs = snapshot(run, upsert);
+    data::Recordset StoreRs = snapshot(run, upsert);
     const ServerRow row(ServerRs);
 
     if (StoreRs.Eof()) {
@@ -79,7 +79,7 @@ bool guardReceiver(Run& run, std::string_view title,
     } catch (const std::exception&) {
         if (run.isEnding())
             return false;
-        run.fail(std::string(title), loggedStatement(run, handledRows), db::currentError());
+        run.fail(std::string(title), loggedStatement(run, handledRows), data::currentError());
         run.failure->subject.clear(); // the log's statement is an earlier one than what failed
         return false;
     }

@@ -24,7 +24,7 @@ rds::DataSpace dataSpaceOf(Run& run, const rds::HttpClient::Limits& limits) {
 
 } // namespace
 
-Run::Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog, db::Clock clock,
+Run::Run(db::VelkDBPro& store, Settings& settings, logs::DownloadLog downloadLog, logs::Clock clock,
          RunObserver* observer)
     : store_(store), settings_(settings), downloadLog_(std::move(downloadLog)),
       clock_(std::move(clock)), observer_(observer != nullptr ? observer : &nobody_) {}
@@ -35,13 +35,13 @@ rds::RemoteObject Run::createObject(const std::string& progId) {
     return DataSpace->CreateObject(progId, "http://" + headOffice.serverAddress);
 }
 
-db::Recordset Run::queryServer(std::string ServerSql) {
+data::Recordset Run::queryServer(std::string ServerSql) {
     observer_->queryBegins(ServerSql);
     rds::RemoteObject RemoteObj = createObject(headOffice.remoteObjectName);
     rds::Variant unread;
     // By reference like the query, but a copy: what one call returns must not steer the next.
     std::string connectionString = headOffice.connectionString;
-    db::Recordset rows = RemoteObj.Getsql(ServerSql, 0, 1, unread, connectionString);
+    data::Recordset rows = RemoteObj.Getsql(ServerSql, 0, 1, unread, connectionString);
     observer_->queryEnded();
     return rows;
 }
@@ -60,7 +60,7 @@ bool Run::executeOnServer(db::StatementArray serverStatements) {
 void Run::yieldOrEnd() const {
     yield();
     if (isEnding())
-        throw db::Error(db::number::Canceled, "The receive was ended.");
+        throw data::Error(data::number::Canceled, "The receive was ended.");
 }
 
 void Run::saveSetting(const char* application, const char* section, const char* key,
@@ -68,11 +68,11 @@ void Run::saveSetting(const char* application, const char* section, const char* 
     try {
         settings_.SaveSetting(application, section, key, value);
     } catch (const std::exception& refused) {
-        WriteDownloadLog("설정 저장", key, db::number::FileAccess, refused.what());
+        WriteDownloadLog("설정 저장", key, data::number::FileAccess, refused.what());
     }
 }
 
-void Run::fail(const std::string& title, const std::string& statement, const db::Error& error) {
+void Run::fail(const std::string& title, const std::string& statement, const data::Error& error) {
     WriteDownloadLog(title, statement, error.Number(), error.Description());
     std::string description = error.Description();
     const std::size_t quoted = refusal_.empty() ? std::string::npos : description.find(refusal_);

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "db/Clock.h"
-#include "db/DownloadLog.h"
-#include "db/Error.h"
-#include "db/Recordset.h"
+#include "data/Error.h"
+#include "data/Recordset.h"
 #include "db/VelkDBPro.h"
+#include "logs/Clock.h"
+#include "logs/DownloadLog.h"
 #include "rds/DataSpace.h"
 #include "sync/RunObserver.h"
 #include "sync/Settings.h"
@@ -46,8 +46,8 @@ struct HeadOffice {
 class Run {
 public:
     /// @param observer outlives the run; null: nobody watches.
-    Run(db::VelkDBPro& store, Settings& settings, db::DownloadLog downloadLog,
-        db::Clock clock = db::localNow, RunObserver* observer = nullptr);
+    Run(db::VelkDBPro& store, Settings& settings, logs::DownloadLog downloadLog,
+        logs::Clock clock = logs::localNow, RunObserver* observer = nullptr);
 
     HeadOffice headOffice;
 
@@ -74,7 +74,7 @@ public:
     bool isEnding() const { return !mustFinish && endWanted(); }
 
     /// Lets the window handle what is waiting for it.
-    /// @throws db::Error number::Canceled when the run ends here.
+    /// @throws data::Error number::Canceled when the run ends here.
     void yieldOrEnd() const;
 
     /// Why the latest run failed, if it did.
@@ -117,13 +117,13 @@ public:
     const std::string& stamp(Group group) const { return stamps[static_cast<std::size_t>(group)]; }
 
     /// Runs a query on the server database through the remote query object.
-    /// @throws db::Error with the server's number and description, or 429 or 462.
-    db::Recordset queryServer(std::string ServerSql);
+    /// @throws data::Error with the server's number and description, or 429 or 462.
+    data::Recordset queryServer(std::string ServerSql);
 
     /// Runs statements, from element 1 on, on the server database through the server command
     /// object.
     /// @return whether they were executed.
-    /// @throws db::Error as queryServer().
+    /// @throws data::Error as queryServer().
     bool executeOnServer(db::StatementArray serverStatements);
 
     /// The store code as the settings have it. Deliberately "" when they have none, where start-up
@@ -136,7 +136,7 @@ public:
                      const std::string& value) const noexcept;
 
     /// Takes a failure down: in the download log, where its folder exists, and in `failure`.
-    void fail(const std::string& title, const std::string& statement, const db::Error& error);
+    void fail(const std::string& title, const std::string& statement, const data::Error& error);
 
     /// Writes to the download log why the store's latest PUT_DATA_DEL has failed.
     void logBatchFailure(const std::string& title) const noexcept;
@@ -152,15 +152,15 @@ public:
     db::VelkDBPro& store() noexcept { return store_; }
     Settings& settings() noexcept { return settings_; }
     RunObserver& observer() noexcept { return *observer_; }
-    db::DateTime now() const { return clock_(); }
+    data::DateTime now() const { return clock_(); }
 
 private:
     rds::RemoteObject createObject(const std::string& progId);
 
     db::VelkDBPro& store_;
     Settings& settings_;
-    db::DownloadLog downloadLog_;
-    db::Clock clock_;
+    logs::DownloadLog downloadLog_;
+    logs::Clock clock_;
     RunObserver nobody_;
     RunObserver* observer_;
     std::optional<rds::DataSpace> DataSpace; ///< created on first use

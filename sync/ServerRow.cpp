@@ -1,18 +1,18 @@
 #include "sync/ServerRow.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "sync/LeadingNumber.h"
 
 namespace quillet::sync {
 
 double ServerRow::number(std::size_t field) const {
-    const db::Value value = rows_.Item(field);
+    const data::Value value = rows_.Item(field);
     if (value.isNull())
-        throw db::invalidUseOfNull();
+        throw data::invalidUseOfNull();
     switch (value.kind()) {
-    case db::Value::Kind::Integer: // as its text would be read
+    case data::Value::Kind::Integer: // as its text would be read
         return static_cast<double>(value.asInteger());
-    case db::Value::Kind::Text:
+    case data::Value::Kind::Text:
         return leadingNumber(value.bytes());
     default:
         return leadingNumber(value.toText());
@@ -20,10 +20,10 @@ double ServerRow::number(std::size_t field) const {
 }
 
 void ServerRow::appendNumberTo(std::string& out, std::size_t field) const {
-    const db::Value value = rows_.Item(field);
+    const data::Value value = rows_.Item(field);
     // Most numbers are whole and small, and their own text already.
     constexpr std::int64_t Exact = 1'000'000;
-    if (value.kind() == db::Value::Kind::Integer && value.asInteger() <= Exact &&
+    if (value.kind() == data::Value::Kind::Integer && value.asInteger() <= Exact &&
         value.asInteger() >= -Exact)
         value.appendTextTo(out);
     else

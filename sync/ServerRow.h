@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 
 #include <cstddef>
 #include <string>
@@ -11,7 +11,7 @@ namespace quillet::sync {
 /// list, as text or as number.
 class ServerRow {
 public:
-    explicit ServerRow(const db::Recordset& rows) noexcept : rows_(rows) {}
+    explicit ServerRow(const data::Recordset& rows) noexcept : rows_(rows) {}
 
     bool isNull(std::size_t field) const { return rows_.Item(field).isNull(); }
 
@@ -22,14 +22,14 @@ public:
     }
 
     /// By the leading-number rule.
-    /// @throws db::Error 94 for Null.
+    /// @throws data::Error 94 for Null.
     double number(std::size_t field) const;
 
     /// Appends the same as numberText() has it.
     void appendNumberTo(std::string& out, std::size_t field) const;
 
 private:
-    const db::Recordset& rows_;
+    const data::Recordset& rows_;
 };
 
 } // namespace quillet::sync

@@ -10,12 +10,12 @@ public:
     virtual ~Settings() = default;
 
     /// The stored text, or the default when the key is absent.
-    /// @throws db::Error when there are settings and they cannot be read: they are not absent.
+    /// @throws data::Error when there are settings and they cannot be read: they are not absent.
     virtual std::string GetSetting(const std::string& application, const std::string& section,
                                    const std::string& key,
                                    const std::string& defaultValue = "") const = 0;
 
-    /// @throws db::Error when it cannot be saved; everything stored is then as it was.
+    /// @throws data::Error when it cannot be saved; everything stored is then as it was.
     virtual void SaveSetting(const std::string& application, const std::string& section,
                              const std::string& key, const std::string& value) = 0;
 };

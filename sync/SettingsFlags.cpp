@@ -7,7 +7,7 @@ namespace quillet::sync {
 bool ReadSettingsFlags(Run& run, std::string_view title) {
     return guardReceiver(run, title, [&](std::size_t& /*handledRows*/) {
         run.priceOptionFlag.clear();
-        const db::Recordset ServerRs =
+        const data::Recordset ServerRs =
             run.queryServer(" SELECT BAS_OP1, BAS_OP2 FROM BAS WHERE BAS_CODE = 'ZO01' ");
         if (ServerRs.Eof())
             return;
@@ -24,8 +24,8 @@ std::string ReadSetMenuSetting(Run& run) {
     run.store().GET_DATA(" SELECT CF_CONTENTS FROM CF WHERE CF_PART = '영업3' AND CF_IDX = 1 ", FD,
                          FDROW, FDCOL);
     if (run.store().Status() != 1)
-        throw db::Error(db::number::Unspecified,
-                        "The set-menu setting cannot be read. " + run.store().errorText());
+        throw data::Error(data::number::Unspecified,
+                          "The set-menu setting cannot be read. " + run.store().errorText());
     return FDROW < 1 ? std::string() : FD[1][0];
 }
 

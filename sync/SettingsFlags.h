@@ -14,7 +14,7 @@ namespace quillet::sync {
 [[nodiscard]] bool ReadSettingsFlags(Run& run, std::string_view title);
 
 /// The text of the store's set-menu setting, or "" when the store has none.
-/// @throws db::Error when it cannot be read.
+/// @throws data::Error when it cannot be read.
 std::string ReadSetMenuSetting(Run& run);
 
 } // namespace quillet::sync

@@ -1,6 +1,6 @@
 #include "sync/SqlTemplate.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -93,7 +93,7 @@ std::string SqlTemplate::compose(const ServerRow& row, std::span<const std::stri
             row.appendTextTo(statement, piece.index);
             break;
         case Kind::Trimmed:
-            statement += db::trimmed(row.text(piece.index));
+            statement += data::trimmed(row.text(piece.index));
             break;
         case Kind::Computed:
             statement += computed[piece.index];

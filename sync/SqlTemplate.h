@@ -35,7 +35,7 @@ public:
     /// What stands in front of the first place.
     std::string_view opening() const;
 
-    /// @throws db::Error 94 for a Null where a number stands; number::CommandText where quotes in
+    /// @throws data::Error 94 for a Null where a number stands; number::CommandText where quotes in
     ///         texts, computed ones included, would make another statement of it.
     std::string render(const ServerRow& row, std::span<const std::string_view> computed = {}) const;
 

@@ -1,8 +1,8 @@
 #include "sync/StampNote.h"
 
-#include "db/AsciiText.h"
-#include "db/DurableFile.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
+#include "files/DurableFile.h"
 
 #include <algorithm>
 #include <fstream>
@@ -68,7 +68,7 @@ std::optional<std::vector<std::string>> StampNote::read() const {
         const std::string expected = ending(column);
         if (end == std::string_view::npos || !line.ends_with(expected) || !isPlain(line))
             return std::nullopt;
-        stamps.emplace_back(db::trimmed(line.substr(0, line.size() - expected.size())));
+        stamps.emplace_back(data::trimmed(line.substr(0, line.size() - expected.size())));
         rest.remove_prefix(end + LineEnd.size());
     }
     if (!rest.empty())
@@ -78,18 +78,18 @@ std::optional<std::vector<std::string>> StampNote::read() const {
 
 void StampNote::write(const std::vector<std::string>& stamps) const {
     if (file_.empty())
-        throw db::Error(db::number::FileAccess, "There is no place for a note of the stamps.");
+        throw data::Error(data::number::FileAccess, "There is no place for a note of the stamps.");
     std::string text;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         text += stamps.at(i);
         text += ending(columns_[i]);
         text += LineEnd;
     }
-    db::writeDurably(file_, text);
+    files::writeDurably(file_, text);
 }
 
 std::string StampNote::earlier(const std::string& stored, const std::string& noted) {
-    if (db::isBlank(stored) || db::isBlank(noted))
+    if (data::isBlank(stored) || data::isBlank(noted))
         return {};
     return isSortable(stored) && isSortable(noted) ? std::min(stored, noted) : noted;
 }

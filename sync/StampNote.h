@@ -28,7 +28,7 @@ public:
     std::optional<std::vector<std::string>> read() const;
 
     /// Writes it so that a power cut leaves all of it, or what was there before.
-    /// @throws db::Error 75.
+    /// @throws data::Error 75.
     void write(const std::vector<std::string>& stamps) const;
 
     /// From which of two stamps on rows are to be asked for, so that none is missed: the earlier

@@ -1,6 +1,6 @@
 #include "sync/StatementSubject.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 
 #include <algorithm>
 #include <optional>
@@ -13,7 +13,7 @@ constexpr std::size_t LongestSubject = 60;
 constexpr std::string_view Ellipsis = "…";
 
 bool isLetter(char c) {
-    return db::upperAscii(c) >= 'A' && db::upperAscii(c) <= 'Z';
+    return data::upperAscii(c) >= 'A' && data::upperAscii(c) <= 'Z';
 }
 
 bool isDigit(char c) {
@@ -37,7 +37,7 @@ public:
     /// Whether this word comes next; it is taken if so.
     bool word(std::string_view wanted) {
         const Scanner before = *this;
-        if (db::equalIgnoringCase(name(), wanted))
+        if (data::equalIgnoringCase(name(), wanted))
             return true;
         *this = before;
         return false;
@@ -123,11 +123,11 @@ std::string statementSubject(std::string_view statement) {
     Scanner scanner(statement);
     const std::string_view verb = scanner.name();
     std::string subject(verb);
-    if (db::equalIgnoringCase(verb, "INSERT") && scanner.word("INTO")) {
+    if (data::equalIgnoringCase(verb, "INSERT") && scanner.word("INTO")) {
         subject = scanner.name();
         subject += firstColumn(scanner);
-    } else if (db::equalIgnoringCase(verb, "UPDATE") ||
-               (db::equalIgnoringCase(verb, "DELETE") && scanner.word("FROM"))) {
+    } else if (data::equalIgnoringCase(verb, "UPDATE") ||
+               (data::equalIgnoringCase(verb, "DELETE") && scanner.word("FROM"))) {
         subject = scanner.name();
         subject += lastWhere(statement);
     }

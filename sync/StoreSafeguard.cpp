@@ -1,7 +1,7 @@
 #include "sync/StoreSafeguard.h"
 
-#include "db/DurableFile.h"
-#include "db/Paths.h"
+#include "files/DurableFile.h"
+#include "files/Paths.h"
 #include "sync/LeadingNumber.h"
 #include "sync/Receiver.h"
 #include "sync/UpdateStamps.h"
@@ -39,8 +39,8 @@ std::int64_t rowsIn(db::VelkDBPro& store, const std::string& table) {
     std::int32_t FDCOL = 0;
     store.GET_DATA("SELECT COUNT(*) FROM " + table, FD, FDROW, FDCOL);
     if (store.Status() != 1 || FDROW < 1)
-        throw db::Error(db::number::Unspecified,
-                        "The rows of " + table + " cannot be counted. " + store.errorText());
+        throw data::Error(data::number::Unspecified,
+                          "The rows of " + table + " cannot be counted. " + store.errorText());
     return static_cast<std::int64_t>(leadingNumber(FD[1][0]));
 }
 
@@ -63,8 +63,8 @@ void StoreSafeguard::recoverStamps() {
         return;
     }
     run_.stamps.fill(std::string());
-    run_.WriteDownloadLog(StoreTitle, "", db::number::Unspecified,
-                          db::textOf(note_.file().filename()) +
+    run_.WriteDownloadLog(StoreTitle, "", data::number::Unspecified,
+                          files::textOf(note_.file().filename()) +
                               " cannot be read whole. Everything is asked for again; nothing is "
                               "deleted for that.");
 }
@@ -86,7 +86,7 @@ void StoreSafeguard::attempt(void (StoreSafeguard::*precaution)() const) const {
     } catch (const std::exception& failure) {
         if (run_.isEnding())
             return; // the run, too
-        run_.WriteDownloadLog(StoreTitle, "", db::number::Unspecified, failure.what());
+        run_.WriteDownloadLog(StoreTitle, "", data::number::Unspecified, failure.what());
     }
 }
 
@@ -95,8 +95,8 @@ void StoreSafeguard::copyStore() const {
     std::filesystem::remove(copy_);
     std::ifstream from(file_, std::ios::binary);
     if (!from)
-        throw db::Error(db::number::Unspecified,
-                        db::textOf(file_.filename()) + " cannot be read for a copy");
+        throw data::Error(data::number::Unspecified,
+                          files::textOf(file_.filename()) + " cannot be read for a copy");
     {
         std::ofstream to(unfinishedCopy_, std::ios::binary | std::ios::trunc);
         from.exceptions(std::ios::badbit);
@@ -109,7 +109,7 @@ void StoreSafeguard::copyStore() const {
         }
         to.close();
     }
-    db::bringToDisk(unfinishedCopy_);
+    files::bringToDisk(unfinishedCopy_);
     std::filesystem::rename(unfinishedCopy_, copy_);
 }
 
@@ -120,7 +120,7 @@ void StoreSafeguard::noteStamps() const {
 void StoreSafeguard::confirm() const {
     if (file_.empty())
         return;
-    db::bringToDisk(file_);
+    files::bringToDisk(file_);
     release();
 }
 
@@ -153,7 +153,7 @@ bool StoreSafeguard::verify(bool committed) {
             finding = whatIsMissing(stamps);
         else if (stamps != stampsBefore_)
             finding = "part of a transaction that was rolled back is in the store";
-    } catch (const db::Error& failure) {
+    } catch (const data::Error& failure) {
         finding = failure.Description();
     }
     if (!finding.empty()) {
@@ -181,13 +181,14 @@ std::string StoreSafeguard::whatIsMissing(const std::optional<Stamps>& stamps) c
 
 void StoreSafeguard::report(const std::string& finding) {
     const std::optional<Failure> before = std::exchange(run_.failure, std::nullopt);
-    run_.fail(StoreTitle, before ? before->subject : "",
-              db::Error(db::number::Unspecified,
-                        "The store did not keep the transaction whole: " + finding +
-                            ". The next receive repeats everything." +
-                            (isThere(copy_) ? " Before this one: " + db::textOf(copy_.filename())
-                                            : std::string()) +
-                            (before ? "\r\n" + before->error : std::string())));
+    run_.fail(
+        StoreTitle, before ? before->subject : "",
+        data::Error(data::number::Unspecified,
+                    "The store did not keep the transaction whole: " + finding +
+                        ". The next receive repeats everything." +
+                        (isThere(copy_) ? " Before this one: " + files::textOf(copy_.filename())
+                                        : std::string()) +
+                        (before ? "\r\n" + before->error : std::string())));
     if (before)
         run_.failure->subject = before->subject;
 }

@@ -38,7 +38,7 @@ public:
     void begin();
 
     /// Before the batch: how many rows each table should have after it.
-    /// @throws db::Error when the store cannot be read.
+    /// @throws data::Error when the store cannot be read.
     void expectRows();
 
     /// After the batch. What was noted stays after a commit, until confirm().
@@ -52,7 +52,7 @@ public:
 
     /// After a run that is known to be good to its end: copy and note go, once what its engine has
     /// written is on the disk.
-    /// @throws db::Error 75 when it cannot be brought there; then both stay.
+    /// @throws data::Error 75 when it cannot be brought there; then both stay.
     void confirm() const;
 
 private:

@@ -1,6 +1,6 @@
 #include "sync/UpdateStamps.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "sync/QuoteGuard.h"
 #include "sync/Receiver.h"
 
@@ -25,8 +25,8 @@ std::string joined(const Items& items, std::string_view separator) {
 }
 
 std::string stampText(Run& run) {
-    const db::Recordset ServerRs = run.queryServer(" SELECT NOW() ");
-    return ServerRs.Eof() ? db::dateTimeText(run.now()) : ServerRs.Item(0).toText();
+    const data::Recordset ServerRs = run.queryServer(" SELECT NOW() ");
+    return ServerRs.Eof() ? logs::dateTimeText(run.now()) : ServerRs.Item(0).toText();
 }
 
 std::string updateStatement(const Ticks& ticked, const Stamps& stamps) {
@@ -62,8 +62,8 @@ std::optional<Stamps> storedStamps(db::VelkDBPro& store) {
     std::int32_t FDCOL = 0;
     store.GET_DATA(" SELECT UPD_PR,UPD_CT,UPD_USR,UPD_BAS,UPD_FN FROM UPD ", FD, FDROW, FDCOL);
     if (store.Status() != 1)
-        throw db::Error(db::number::Unspecified,
-                        "The update stamps cannot be read. " + store.errorText());
+        throw data::Error(data::number::Unspecified,
+                          "The update stamps cannot be read. " + store.errorText());
     if (FDROW < 1)
         return std::nullopt;
     Stamps stamps;
@@ -76,7 +76,7 @@ bool ReadStamps(Run& run) {
         const auto stamps = storedStamps(run.store());
         run.stampRowExists = stamps.has_value();
         run.stamps = stamps.value_or(Stamps());
-        run.menuNeverReceived = db::isBlank(run.stamp(Group::Menu));
+        run.menuNeverReceived = data::isBlank(run.stamp(Group::Menu));
         run.stampsRead = true;
     });
 }

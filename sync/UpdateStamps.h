@@ -20,7 +20,7 @@ inline constexpr std::array<std::string_view, Groups> StampColumns{"UPD_PR", "UP
                                                                    "UPD_BAS", "UPD_FN"};
 
 /// The store's stamps; none when `UPD` has no row.
-/// @throws db::Error when they cannot be read: a failed read is never taken for an empty one.
+/// @throws data::Error when they cannot be read: a failed read is never taken for an empty one.
 std::optional<Stamps> storedStamps(db::VelkDBPro& store);
 
 /// Reads the stamps into the run. A store without a row leaves them empty, and its next stamp

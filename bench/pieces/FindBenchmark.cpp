@@ -15,7 +15,7 @@ void findFirst(benchmark::State& state) {
     const auto rows = static_cast<int>(state.range(0));
     for ([[maybe_unused]] const auto iteration : state) {
         state.PauseTiming();
-        db::Recordset recordset = memberRows(rows);
+        data::Recordset recordset = memberRows(rows);
         recordset.MoveFirst();
         state.ResumeTiming();
         recordset.Find(criteria(rows - 1)); // makes the index
@@ -26,7 +26,7 @@ BENCHMARK(findFirst)->Arg(1000)->Arg(10'000)->Arg(100'000);
 
 void findNext(benchmark::State& state) {
     const auto rows = static_cast<int>(state.range(0));
-    db::Recordset recordset = memberRows(rows);
+    data::Recordset recordset = memberRows(rows);
     std::int64_t number = 0;
     for ([[maybe_unused]] const auto iteration : state) {
         recordset.MoveFirst();

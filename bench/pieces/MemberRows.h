@@ -1,20 +1,20 @@
 #pragma once
 
-#include "db/Cursor.h"
-#include "db/Recordset.h"
+#include "data/Cursor.h"
+#include "data/Recordset.h"
 
 namespace quillet::bench {
 
 /// Rows as the members query delivers them: 40 columns of texts, whole numbers and Nulls.
-db::Recordset memberRows(int rows);
+data::Recordset memberRows(int rows);
 
 /// A cursor over a recordset, as a database would have it.
-class RecordsetCursor : public db::Cursor {
+class RecordsetCursor : public data::Cursor {
 public:
-    explicit RecordsetCursor(db::Recordset& rows) : rows_(rows) {}
+    explicit RecordsetCursor(data::Recordset& rows) : rows_(rows) {}
 
-    const db::FieldList& fields() const override { return rows_.Fields(); }
-    db::Value value(std::size_t column) const override { return rows_.Item(column); }
+    const data::FieldList& fields() const override { return rows_.Fields(); }
+    data::Value value(std::size_t column) const override { return rows_.Item(column); }
     bool next() override {
         begun_ ? rows_.MoveNext() : rows_.MoveFirst();
         begun_ = true;
@@ -22,7 +22,7 @@ public:
     }
 
 private:
-    db::Recordset& rows_;
+    data::Recordset& rows_;
     bool begun_ = false;
 };
 

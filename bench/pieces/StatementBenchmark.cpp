@@ -23,7 +23,7 @@ std::string insertPattern() {
 }
 
 void statementBuild(benchmark::State& state) {
-    db::Recordset rows = memberRows(1000);
+    data::Recordset rows = memberRows(1000);
     rows.MoveFirst();
     const sync::ServerRow row(rows);
     const sync::SqlTemplate insert(insertPattern());
@@ -45,7 +45,7 @@ void statementTranslate(benchmark::State& state, const std::string& statement) {
 }
 
 std::string memberInsert() {
-    db::Recordset rows = memberRows(1);
+    data::Recordset rows = memberRows(1);
     rows.MoveFirst();
     return sync::SqlTemplate(insertPattern()).render(sync::ServerRow(rows));
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int Rows = 2000;
 
-std::string written(db::Recordset& rows) {
+std::string written(data::Recordset& rows) {
     std::string bytes;
     rds::TablegramWriter writer([&bytes](std::string_view piece) { bytes += piece; },
                                 rds::describeResult(rows.Fields()));
@@ -22,7 +22,7 @@ std::string written(db::Recordset& rows) {
 }
 
 void tablegramWrite(benchmark::State& state) {
-    db::Recordset rows = memberRows(Rows);
+    data::Recordset rows = memberRows(Rows);
     std::size_t bytes = 0;
     for ([[maybe_unused]] const auto iteration : state)
         bytes += written(rows).size();
@@ -32,7 +32,7 @@ void tablegramWrite(benchmark::State& state) {
 BENCHMARK(tablegramWrite);
 
 void tablegramRead(benchmark::State& state) {
-    db::Recordset rows = memberRows(Rows);
+    data::Recordset rows = memberRows(Rows);
     const std::string bytes = written(rows);
     for ([[maybe_unused]] const auto iteration : state) {
         rds::ByteReader in(bytes);

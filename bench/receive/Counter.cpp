@@ -4,8 +4,8 @@
 #include "bench/receive/PeakMemory.h"
 #include "bench/receive/Stopwatch.h"
 #include "db/DB_Control.h"
-#include "db/Paths.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 
 #include <QCoreApplication>
 #include <QLabel>
@@ -22,7 +22,7 @@ namespace quillet::bench {
 namespace {
 
 QString q(const std::filesystem::path& path) {
-    return QString::fromStdString(db::textOf(path));
+    return QString::fromStdString(files::textOf(path));
 }
 
 } // namespace
@@ -54,7 +54,7 @@ WindowFigures Counter::receiveInWindow(bool againstFloors) {
     if (againstFloors)
         floors = FloorSites{connectionString_, store(), folder_ / "floor.MDB"};
     WindowWatch watch(std::move(floors));
-    app::frm_Quillet window({settings_, folder_.path(), "1.0.0", db::localNow, &watch});
+    app::frm_Quillet window({settings_, folder_.path(), "1.0.0", logs::localNow, &watch});
     const auto* const startButton = window.findChild<QPushButton*>("Cmd1(0)");
     window.show();
     // The button can be pressed again only after a run that has failed.

@@ -1,7 +1,7 @@
 #include "bench/receive/Measurements.h"
 #include "bench/receive/Stopwatch.h"
-#include "db/AsciiText.h"
-#include "db/Recordset.h"
+#include "data/AsciiText.h"
+#include "data/Recordset.h"
 
 #include <array>
 #include <iostream>
@@ -20,27 +20,27 @@ std::string key(int row) {
 }
 
 /// A store table's keys, each twice in a row, under the rule of the store's codes.
-db::Recordset keys(int rows) {
-    db::Field field;
+data::Recordset keys(int rows) {
+    data::Field field;
     field.Name = "CODE";
-    field.Type = db::DataType::WChar;
-    field.comparison = db::TextComparison::NoCase;
-    db::Recordset result(db::FieldList{field});
+    field.Type = data::DataType::WChar;
+    field.comparison = data::TextComparison::NoCase;
+    data::Recordset result(data::FieldList{field});
     for (int row = 0; row < rows; ++row) {
-        const db::Value cell = db::Value::text(result.arena().copy(key(row / 2)));
+        const data::Value cell = data::Value::text(result.arena().copy(key(row / 2)));
         result.addRow(std::array{cell});
     }
     return result;
 }
 
 /// What Find stands for.
-void scan(db::Recordset& rows, const std::string& text) {
+void scan(data::Recordset& rows, const std::string& text) {
     for (rows.MoveFirst(); !rows.Eof(); rows.MoveNext())
-        if (db::equalIgnoringCase(rows.Item(0).bytes(), text))
+        if (data::equalIgnoringCase(rows.Item(0).bytes(), text))
             return;
 }
 
-const char* found(const db::Recordset& rows) {
+const char* found(const data::Recordset& rows) {
     return rows.Eof() ? nullptr : rows.Item(0).bytes().data(); // tells rows of equal keys apart
 }
 
@@ -48,7 +48,7 @@ const char* found(const db::Recordset& rows) {
 
 void measureFind(Report& report, int count) {
     std::cerr << "Find" << std::endl;
-    db::Recordset rows = keys(count);
+    data::Recordset rows = keys(count);
     const auto find = [&rows](const std::string& text) {
         rows.MoveFirst();
         rows.Find("CODE = '" + text + "'");
@@ -61,7 +61,7 @@ void measureFind(Report& report, int count) {
     double seconds = 0;
     for (int i = 0; i < Scans; ++i) {
         // Spread over all rows and beyond, in the letter case of the head office.
-        const std::string text = db::upperCase(key(i * (count / 2 + 100) / Scans));
+        const std::string text = data::upperCase(key(i * (count / 2 + 100) / Scans));
         const Stopwatch scanning;
         scan(rows, text);
         seconds += scanning.seconds();

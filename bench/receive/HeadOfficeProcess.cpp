@@ -1,7 +1,7 @@
 #include "bench/receive/HeadOfficeProcess.h"
 
 #include "bench/receive/PeakMemory.h"
-#include "db/Paths.h"
+#include "files/Paths.h"
 
 #include <QString>
 
@@ -13,9 +13,9 @@ HeadOfficeProcess::HeadOfficeProcess(const std::filesystem::path& program) {
     const std::filesystem::path portFile = folder_ / "port";
     process_.setStandardOutputFile(QProcess::nullDevice());
     process_.setStandardErrorFile(QProcess::nullDevice());
-    process_.start(QString::fromStdString(db::textOf(program)),
+    process_.start(QString::fromStdString(files::textOf(program)),
                    {"--listen", "127.0.0.1:0", "--object", "quorin.data", "--port-file",
-                    QString::fromStdString(db::textOf(portFile))});
+                    QString::fromStdString(files::textOf(portFile))});
     std::string port;
     while (!port.ends_with('\n')) {
         if (process_.waitForFinished(20) || process_.state() == QProcess::NotRunning)

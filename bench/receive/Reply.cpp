@@ -1,7 +1,7 @@
 #include "bench/receive/Counter.h"
 #include "bench/receive/HeadOfficeProcess.h"
 #include "bench/receive/Measurements.h"
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "rds/DataSpace.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ void measureReply(Report& report, const Site& site, const Chain& chain) {
         rds::DataSpace().CreateObject("quorin.data", "http://" + headOffice.address());
     rds::Variant information;
     std::string connectionString = site.connectionString(chain.database);
-    const db::Recordset rows = object.Getsql(ServerSql, 0, 1, information, connectionString);
+    const data::Recordset rows = object.Getsql(ServerSql, 0, 1, information, connectionString);
     report.add({"peak memory of quillet-headoffice, reply of " +
                     std::to_string(rows.RecordCount()) + " rows",
                 "MiB",

@@ -1,5 +1,5 @@
 #include "bench/receive/Floors.h"
-#include "db/Paths.h"
+#include "files/Paths.h"
 
 #include <stdexcept>
 
@@ -10,7 +10,7 @@ namespace {
 db::SqliteDatabase open(const std::filesystem::path& store) {
     sqlite3* opened = nullptr;
     const int result =
-        sqlite3_open_v2(db::textOf(store).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+        sqlite3_open_v2(files::textOf(store).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
     db::SqliteDatabase database(opened);
     if (result != SQLITE_OK)
         throw std::runtime_error("the floor's store cannot be opened");

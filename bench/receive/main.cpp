@@ -1,7 +1,7 @@
 // What a receive costs against what its databases cannot avoid. scripts/bench prepares everything.
 
 #include "bench/receive/Measurements.h"
-#include "db/Paths.h"
+#include "files/Paths.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -32,8 +32,9 @@ int main(int argc, char* argv[]) {
     line.process(application);
 
     try {
-        const bench::Site site{db::pathOf(quilletProgram()), db::pathOf(headOfficeProgram()),
-                               db::pathOf(earlierHeadOffice()), databaseServer(), databaseUser()};
+        const bench::Site site{files::pathOf(quilletProgram()), files::pathOf(headOfficeProgram()),
+                               files::pathOf(earlierHeadOffice()), databaseServer(),
+                               databaseUser()};
         const bench::Chain largeChain{large(), std::stoi(members())};
         const bench::Chain smallChain{small()};
         const int n = std::stoi(rounds());
@@ -47,7 +48,7 @@ int main(int argc, char* argv[]) {
         bench::measureServers(report, site, smallChain, 32, n);
         bench::measureCounters(report, site, smallChain, 32, n);
         report.print(std::cout);
-        report.writeCsv(db::pathOf(csv()));
+        report.writeCsv(files::pathOf(csv()));
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "quillet-bench: " << error.what() << '\n';

@@ -1,11 +1,13 @@
 #include "db/mariadb/MariaDbColumn.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace quillet::db {
+
+using data::DataType;
 
 namespace {
 
@@ -15,20 +17,21 @@ constexpr unsigned BinaryCharset = 63;
 /// Room for a text or bytes at the start.
 constexpr std::size_t FirstRoom = 256;
 
-void setFixed(Field& field, DataType type, std::uint32_t size, std::uint8_t precision = 0xFF) {
+void setFixed(data::Field& field, DataType type, std::uint32_t size,
+              std::uint8_t precision = 0xFF) {
     field.Type = type;
     field.DefinedSize = size;
     field.Precision = precision;
     field.fixedLength = true;
 }
 
-void setInteger(Field& field, const MYSQL_FIELD& column, DataType signedType, DataType unsignedType,
-                std::uint32_t size, std::uint8_t precision) {
+void setInteger(data::Field& field, const MYSQL_FIELD& column, DataType signedType,
+                DataType unsignedType, std::uint32_t size, std::uint8_t precision) {
     const bool isUnsigned = (column.flags & UNSIGNED_FLAG) != 0;
     setFixed(field, isUnsigned ? unsignedType : signedType, size, precision);
 }
 
-void setNumeric(Field& field, const MYSQL_FIELD& column) {
+void setNumeric(data::Field& field, const MYSQL_FIELD& column) {
     // The length counts a point and a sign.
     const unsigned long others =
         (column.decimals > 0 ? 1 : 0) + ((column.flags & UNSIGNED_FLAG) != 0 ? 0 : 1);
@@ -37,7 +40,7 @@ void setNumeric(Field& field, const MYSQL_FIELD& column) {
     field.NumericScale = static_cast<std::uint8_t>(std::min(column.decimals, 254U));
 }
 
-void setTimestamp(Field& field, const MYSQL_FIELD& column) {
+void setTimestamp(data::Field& field, const MYSQL_FIELD& column) {
     const unsigned digits = std::min(column.decimals, 9U);
     setFixed(field, DataType::DBTimeStamp, 16,
              static_cast<std::uint8_t>(digits > 0 ? 20 + digits : 19));
@@ -45,13 +48,13 @@ void setTimestamp(Field& field, const MYSQL_FIELD& column) {
 }
 
 /// @param length in characters, or in bytes (of a BIT: in bits).
-void setVariable(Field& field, DataType type, unsigned long length) {
+void setVariable(data::Field& field, DataType type, unsigned long length) {
     field.Type = type;
     field.DefinedSize =
         length > 0 && length < NoLimit / 2 ? static_cast<std::uint32_t>(length) : NoLimit;
 }
 
-void setTextOrBytes(Field& field, const MYSQL_FIELD& column) {
+void setTextOrBytes(data::Field& field, const MYSQL_FIELD& column) {
     if (column.charsetnr == BinaryCharset)
         return setVariable(field, DataType::Binary, column.length);
     const MARIADB_CHARSET_INFO* const charset = mariadb_get_charset_by_nr(column.charsetnr);
@@ -59,7 +62,7 @@ void setTextOrBytes(Field& field, const MYSQL_FIELD& column) {
                 column.length / (charset != nullptr ? charset->char_maxlen : 4));
 }
 
-void setType(Field& field, const MYSQL_FIELD& column, bool bigintAsInt) {
+void setType(data::Field& field, const MYSQL_FIELD& column, bool bigintAsInt) {
     switch (column.type) {
     case MYSQL_TYPE_TINY:
         return setInteger(field, column, DataType::TinyInt, DataType::UnsignedTinyInt, 1, 3);
@@ -139,8 +142,8 @@ enum_field_types fetchedAs(DataType type) {
     }
 }
 
-DateTime dateTimeOf(const MYSQL_TIME& time) {
-    DateTime result;
+data::DateTime dateTimeOf(const MYSQL_TIME& time) {
+    data::DateTime result;
     result.year = static_cast<std::int16_t>(time.year);
     result.month = static_cast<std::uint8_t>(time.month);
     result.day = static_cast<std::uint8_t>(time.day);
@@ -151,8 +154,8 @@ DateTime dateTimeOf(const MYSQL_TIME& time) {
     return result;
 }
 
-DateTime timeOf(const MYSQL_TIME& time) {
-    DateTime result;
+data::DateTime timeOf(const MYSQL_TIME& time) {
+    data::DateTime result;
     result.hour = static_cast<std::uint8_t>(time.hour);
     result.minute = static_cast<std::uint8_t>(time.minute);
     result.second = static_cast<std::uint8_t>(time.second);
@@ -161,8 +164,8 @@ DateTime timeOf(const MYSQL_TIME& time) {
 
 } // namespace
 
-Field mariaDbField(const MYSQL_FIELD& column, bool bigintAsInt) {
-    Field field;
+data::Field mariaDbField(const MYSQL_FIELD& column, bool bigintAsInt) {
+    data::Field field;
     field.Name = std::string(column.name, column.name_length);
     // The ODBC driver says of a column that numbers itself that it takes Nulls, which is so.
     field.nullable =
@@ -174,7 +177,7 @@ Field mariaDbField(const MYSQL_FIELD& column, bool bigintAsInt) {
     return field;
 }
 
-MariaDbCell::MariaDbCell(const MYSQL_FIELD& column, const Field& field)
+MariaDbCell::MariaDbCell(const MYSQL_FIELD& column, const data::Field& field)
     : type_(field.Type), unsigned_((column.flags & UNSIGNED_FLAG) != 0),
       fetchedAs_(fetchedAs(field.Type)) {
     if (fetchedAs_ == MYSQL_TYPE_STRING || fetchedAs_ == MYSQL_TYPE_BLOB)
@@ -218,15 +221,15 @@ bool MariaDbCell::complete(MYSQL_STMT* statement, unsigned number) {
     switch (type_) {
     case DataType::Integer:
         if (outside(Int::min(), Int::max()))
-            throw providerError("22003", "A BIGINT is too large for an INT.");
+            throw data::providerError("22003", "A BIGINT is too large for an INT.");
         return true;
     case DataType::UnsignedInt:
         if (outside(0, UnsignedInt::max()))
-            throw providerError("22003", "A BIGINT is too large for an INT.");
+            throw data::providerError("22003", "A BIGINT is too large for an INT.");
         return true;
     case DataType::DBTime:
         if (time_.neg || time_.day != 0 || time_.hour > 23)
-            throw providerError("22007", "A TIME is no time of day.");
+            throw data::providerError("22007", "A TIME is no time of day.");
         return true;
     default:
         break;
@@ -240,35 +243,35 @@ bool MariaDbCell::complete(MYSQL_STMT* statement, unsigned number) {
     return mysql_stmt_fetch_column(statement, &whole, number, 0) == 0;
 }
 
-Value MariaDbCell::value() const {
+data::Value MariaDbCell::value() const {
     if (isNull_)
         return {};
     const std::vector<char>& place = length_ > bytes_.size() ? longBytes_ : bytes_;
     const std::string_view bytes(place.data(), place.empty() ? 0 : length_);
     switch (fetchedAs_) {
     case MYSQL_TYPE_LONGLONG:
-        return unsigned_ ? Value::unsignedInteger(static_cast<std::uint64_t>(number_.integer))
-                         : Value::integer(number_.integer);
+        return unsigned_ ? data::Value::unsignedInteger(static_cast<std::uint64_t>(number_.integer))
+                         : data::Value::integer(number_.integer);
     case MYSQL_TYPE_FLOAT:
-        return Value::single(number_.single);
+        return data::Value::single(number_.single);
     case MYSQL_TYPE_DOUBLE:
-        return Value::real(number_.real);
+        return data::Value::real(number_.real);
     case MYSQL_TYPE_DATE:
     case MYSQL_TYPE_DATETIME:
         if (time_.month == 0 || time_.day == 0)
             return {};
-        return fetchedAs_ == MYSQL_TYPE_DATE ? Value::date(dateTimeOf(time_))
-                                             : Value::dateTime(dateTimeOf(time_));
+        return fetchedAs_ == MYSQL_TYPE_DATE ? data::Value::date(dateTimeOf(time_))
+                                             : data::Value::dateTime(dateTimeOf(time_));
     case MYSQL_TYPE_TIME:
-        return Value::time(timeOf(time_));
+        return data::Value::time(timeOf(time_));
     case MYSQL_TYPE_STRING:
-        return Value::decimal(bytes);
+        return data::Value::decimal(bytes);
     default:
         break;
     }
     if (type_ == DataType::Boolean)
-        return Value::boolean(!bytes.empty() && bytes.front() != '\0');
-    return type_ == DataType::Binary ? Value::binary(bytes) : Value::text(bytes);
+        return data::Value::boolean(!bytes.empty() && bytes.front() != '\0');
+    return type_ == DataType::Binary ? data::Value::binary(bytes) : data::Value::text(bytes);
 }
 
 } // namespace quillet::db

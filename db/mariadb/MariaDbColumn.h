@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/Field.h"
-#include "db/Value.h"
+#include "data/Field.h"
+#include "data/Value.h"
 #include "db/mariadb/MariaDbApi.h"
 
 #include <cstdint>
@@ -12,13 +12,13 @@ namespace quillet::db {
 /// What a result's column is, in the terms in which MariaDB's ODBC driver (3.1.15) describes it:
 /// what is sent to the counters must not depend on the way to the database.
 /// @param bigintAsInt see MariaDbLogin.
-Field mariaDbField(const MYSQL_FIELD& column, bool bigintAsInt);
+data::Field mariaDbField(const MYSQL_FIELD& column, bool bigintAsInt);
 
 /// Where the client library puts the cells of a column, one at a time.
 class MariaDbCell {
 public:
     /// @param field what mariaDbField() made of the column.
-    MariaDbCell(const MYSQL_FIELD& column, const Field& field);
+    MariaDbCell(const MYSQL_FIELD& column, const data::Field& field);
     MariaDbCell(const MariaDbCell&) = delete;
     MariaDbCell& operator=(const MariaDbCell&) = delete;
 
@@ -32,10 +32,10 @@ public:
     bool complete(MYSQL_STMT* statement, unsigned number);
 
     /// The cell as a value, which borrows from it. Zero dates are Null.
-    Value value() const;
+    data::Value value() const;
 
 private:
-    DataType type_;
+    data::DataType type_;
     bool unsigned_;
     enum_field_types fetchedAs_;
     unsigned long length_ = 0;

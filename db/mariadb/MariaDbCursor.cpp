@@ -27,7 +27,8 @@ void MariaDbCursor::run(const std::string& source) {
     MYSQL_STMT* const statement = statement_.get();
     check(mysql_stmt_prepare(statement, source.data(), source.size()) != 0);
     if (mysql_stmt_param_count(statement) != 0)
-        throw providerError("07002", "The statement has parameters; nothing is bound to them.");
+        throw data::providerError("07002",
+                                  "The statement has parameters; nothing is bound to them.");
     check(mysql_stmt_execute(statement) != 0);
     turn_.hasStarted();
     atEnd_ = mysql_stmt_field_count(statement) == 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 #include "db/mariadb/MariaDbColumn.h"
 #include "db/mariadb/MariaDbSession.h"
 
@@ -14,7 +14,7 @@ namespace quillet::db {
 ///
 /// The query goes as a prepared statement, whose rows come in binary form: as text the server
 /// rounds a FLOAT to six digits.
-class MariaDbCursor final : public Cursor {
+class MariaDbCursor final : public data::Cursor {
 public:
     /// Runs the query. A statement without a result runs and gives a cursor without columns.
     /// @throws Error among others 07002 for a statement with parameters.
@@ -24,9 +24,9 @@ public:
     /// Engine::cancel() does; the connection can be used again.
     ~MariaDbCursor() override;
 
-    const FieldList& fields() const override { return fields_; }
+    const data::FieldList& fields() const override { return fields_; }
     bool next() override;
-    Value value(std::size_t column) const override { return cells_[column].value(); }
+    data::Value value(std::size_t column) const override { return cells_[column].value(); }
 
 private:
     struct Close {
@@ -42,7 +42,7 @@ private:
     std::unique_ptr<MYSQL_STMT, Close> statement_;
     bool bigintAsInt_;
     bool atEnd_ = true;
-    FieldList fields_;
+    data::FieldList fields_;
     std::deque<MariaDbCell> cells_;
 };
 

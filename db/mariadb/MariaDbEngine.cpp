@@ -1,6 +1,6 @@
 #include "db/mariadb/MariaDbEngine.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/mariadb/MariaDbCursor.h"
 #include "db/mariadb/MariaDbSession.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 void requireNoNul(const std::string& statement) {
     if (statement.find('\0') != std::string::npos)
-        throw providerError("42000", "Syntax error: the statement holds a NUL character.");
+        throw data::providerError("42000", "Syntax error: the statement holds a NUL character.");
 }
 
 } // namespace
@@ -25,7 +25,7 @@ void MariaDbEngine::execute(const std::string& statement) {
     session_->run(statement);
 }
 
-std::unique_ptr<Cursor> MariaDbEngine::query(const std::string& source) {
+std::unique_ptr<data::Cursor> MariaDbEngine::query(const std::string& source) {
     requireNoNul(source);
     return std::make_unique<MariaDbCursor>(*session_, source);
 }

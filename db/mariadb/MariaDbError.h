@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/mariadb/MariaDbApi.h"
 
 namespace quillet::db {
@@ -8,15 +8,15 @@ namespace quillet::db {
 /// Why the latest call on a connection or a statement failed. What the database says is passed on
 /// unchanged; the client library's own messages, which name hosts, files and accounts, become
 /// neutral sentences.
-Error mariaDbError(MYSQL* connection);
-Error mariaDbError(MYSQL_STMT* statement);
+data::Error mariaDbError(MYSQL* connection);
+data::Error mariaDbError(MYSQL_STMT* statement);
 
 /// Why a connection could not be made. The database's own words name accounts and hosts there, so
 /// that none of them is passed on.
-Error mariaDbLoginError(MYSQL* connection);
+data::Error mariaDbLoginError(MYSQL* connection);
 
 /// What everybody gets who uses a connection after it was lost.
-Error mariaDbConnectionLost();
+data::Error mariaDbConnectionLost();
 
 /// Whether an error number is the client library's, not the server's: 2000 to 2999 and, its own
 /// additions, 5000 to 5999 (errmsg.h).

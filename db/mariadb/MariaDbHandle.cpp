@@ -38,7 +38,7 @@ MYSQL* newHandle() {
 
 void set(MYSQL* handle, mysql_option option, const void* value) {
     if (mysql_optionsv(handle, option, value) != 0)
-        throw providerError("HY000", "The database client lacks an option.");
+        throw data::providerError("HY000", "The database client lacks an option.");
 }
 
 void set(MYSQL* handle, mysql_option option, unsigned value) {
@@ -64,10 +64,10 @@ void setOptions(MYSQL* handle, const MariaDbLogin& login) {
 
 MariaDbHandle::MariaDbHandle(const MariaDbLogin& login) : handle_(newHandle()) {
     if (!isHost(login.host) || login.port == 0)
-        throw providerError("08001", "The database server's host is no name and no address.");
+        throw data::providerError("08001", "The database server's host is no name and no address.");
     // For an empty one the library would look into the environment.
     if (login.user.empty())
-        throw providerError("28000", "The database refuses this user or password.");
+        throw data::providerError("28000", "The database refuses this user or password.");
     setOptions(get(), login);
     const char* const database = login.database.empty() ? nullptr : login.database.c_str();
     if (mysql_real_connect(get(), login.host.c_str(), login.user.c_str(), login.password.c_str(),
@@ -85,7 +85,7 @@ void MariaDbHandle::setUpSession() const {
     };
     try {
         setUp("utf8mb4 COLLATE utf8mb4_general_ci");
-    } catch (const Error&) {
+    } catch (const data::Error&) {
         // Servers before MySQL 5.5.3 have utf8 only.
         if (mysql_errno(get()) != ER_UNKNOWN_CHARACTER_SET)
             throw;

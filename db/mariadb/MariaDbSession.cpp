@@ -33,7 +33,7 @@ void MariaDbSession::run(const std::string& statement) {
     const Turn turn(*this);
     try {
         connection_.run(statement);
-    } catch (const Error&) {
+    } catch (const data::Error&) {
         noteFailure(mysql_errno(get()));
         throw;
     }
@@ -69,7 +69,7 @@ void MariaDbSession::killStatement(std::unique_lock<std::mutex>& lock) {
             if (changed_.wait_for(lock, i == 0 ? 0ms : KillAgainAfter, needsNoMore))
                 return;
         }
-    } catch (const Error&) {
+    } catch (const data::Error&) {
         // Then the hard way.
     }
     lost_ = true;
@@ -81,7 +81,7 @@ bool MariaDbSession::reset() try {
     if (!connection_.reset(login_))
         lost_ = true;
     return !lost_;
-} catch (const Error&) {
+} catch (const data::Error&) {
     return false;
 }
 
@@ -90,7 +90,8 @@ MariaDbSession::Turn::Turn(MariaDbSession& session) : session_(session) {
     if (session_.lost_)
         throw mariaDbConnectionLost();
     if (session_.phase_ != Phase::Idle)
-        throw providerError("HY010", "Another result of this connection is still being read.");
+        throw data::providerError("HY010",
+                                  "Another result of this connection is still being read.");
     session_.phase_ = Phase::Sent;
 }
 
@@ -120,10 +121,10 @@ void MariaDbSession::Turn::hasStarted() {
 
 void MariaDbSession::Turn::requireNotCancelled() const {
     if (session_.cancelled_)
-        throw providerError("70100", "Query execution was interrupted");
+        throw data::providerError("70100", "Query execution was interrupted");
 }
 
-Error MariaDbSession::Turn::failure(MYSQL_STMT* statement) const {
+data::Error MariaDbSession::Turn::failure(MYSQL_STMT* statement) const {
     // What goes wrong between rows is noted with the connection alone.
     const unsigned number = mysql_stmt_errno(statement);
     session_.noteFailure(number != 0 ? number : mysql_errno(session_.get()));

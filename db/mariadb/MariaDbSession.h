@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/mariadb/MariaDbHandle.h"
 #include "db/mariadb/MariaDbSocket.h"
 
@@ -50,7 +50,7 @@ public:
         void requireNotCancelled() const;
 
         /// Why a call failed, as mariaDbError() says it; notes whether the connection is lost.
-        Error failure(MYSQL_STMT* statement) const;
+        data::Error failure(MYSQL_STMT* statement) const;
 
         void cancel() const noexcept { session_.cancel(); }
 

@@ -1,6 +1,6 @@
 #include "db/odbc/OdbcColumn.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 
 #include <algorithm>
 #include <array>
@@ -8,6 +8,8 @@
 #include <cstring>
 
 namespace quillet::db {
+
+using data::DataType;
 
 namespace {
 
@@ -150,22 +152,22 @@ void setType(OdbcColumn& column, const Description& described, SQLLEN octetLengt
     }
 }
 
-DateTime dateOf(SQLSMALLINT year, SQLUSMALLINT month, SQLUSMALLINT day) {
-    DateTime result;
+data::DateTime dateOf(SQLSMALLINT year, SQLUSMALLINT month, SQLUSMALLINT day) {
+    data::DateTime result;
     result.year = year;
     result.month = static_cast<std::uint8_t>(month);
     result.day = static_cast<std::uint8_t>(day);
     return result;
 }
 
-void setTime(DateTime& value, SQLUSMALLINT hour, SQLUSMALLINT minute, SQLUSMALLINT second) {
+void setTime(data::DateTime& value, SQLUSMALLINT hour, SQLUSMALLINT minute, SQLUSMALLINT second) {
     value.hour = static_cast<std::uint8_t>(hour);
     value.minute = static_cast<std::uint8_t>(minute);
     value.second = static_cast<std::uint8_t>(second);
 }
 
 /// Brings a driver's decimal into its plain form: a point, and a digit in front of it.
-Value decimalOf(std::string_view text, char* room) {
+data::Value decimalOf(std::string_view text, char* room) {
     char* out = room;
     if (!text.empty() && text.front() == '-')
         *out++ = '-';
@@ -174,7 +176,7 @@ Value decimalOf(std::string_view text, char* room) {
     if (text.empty() || text.front() == '.' || text.front() == ',')
         *out++ = '0';
     out = std::transform(text.begin(), text.end(), out, [](char c) { return c == ',' ? '.' : c; });
-    return Value::decimal({room, static_cast<std::size_t>(out - room)});
+    return data::Value::decimal({room, static_cast<std::size_t>(out - room)});
 }
 
 } // namespace
@@ -213,50 +215,52 @@ bool deliversUtf8(SQLHDBC connection) {
            std::string_view(cell.data(), Probe.size()) == Probe;
 }
 
-Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
+data::Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room) {
     switch (column.cType) {
     case SQL_C_BIT:
-        return Value::boolean(read<unsigned char>(cell) != 0);
+        return data::Value::boolean(read<unsigned char>(cell) != 0);
     case SQL_C_SLONG:
-        return Value::integer(read<SQLINTEGER>(cell));
+        return data::Value::integer(read<SQLINTEGER>(cell));
     case SQL_C_ULONG:
-        return Value::unsignedInteger(read<SQLUINTEGER>(cell));
+        return data::Value::unsignedInteger(read<SQLUINTEGER>(cell));
     case SQL_C_SBIGINT:
-        return Value::integer(read<std::int64_t>(cell));
+        return data::Value::integer(read<std::int64_t>(cell));
     case SQL_C_UBIGINT:
-        return Value::unsignedInteger(read<std::uint64_t>(cell));
+        return data::Value::unsignedInteger(read<std::uint64_t>(cell));
     case SQL_C_DOUBLE: {
         const auto number = read<double>(cell);
-        return column.field.Type == DataType::Single ? Value::single(static_cast<float>(number))
-                                                     : Value::real(number);
+        return column.field.Type == DataType::Single
+                   ? data::Value::single(static_cast<float>(number))
+                   : data::Value::real(number);
     }
     case SQL_C_CHAR:
-        return column.field.Type == DataType::Numeric ? decimalOf(cell, room) : Value::text(cell);
+        return column.field.Type == DataType::Numeric ? decimalOf(cell, room)
+                                                      : data::Value::text(cell);
     case SQL_C_TYPE_DATE: {
         const auto raw = read<SQL_DATE_STRUCT>(cell);
-        const DateTime date = dateOf(raw.year, raw.month, raw.day);
-        return date.month == 0 || date.day == 0 ? Value() : Value::date(date);
+        const data::DateTime date = dateOf(raw.year, raw.month, raw.day);
+        return date.month == 0 || date.day == 0 ? data::Value() : data::Value::date(date);
     }
     case SQL_C_TYPE_TIME: {
         const auto raw = read<SQL_TIME_STRUCT>(cell);
-        DateTime time;
+        data::DateTime time;
         setTime(time, raw.hour, raw.minute, raw.second);
-        return Value::time(time);
+        return data::Value::time(time);
     }
     case SQL_C_TYPE_TIMESTAMP: {
         const auto raw = read<SQL_TIMESTAMP_STRUCT>(cell);
-        DateTime moment = dateOf(raw.year, raw.month, raw.day);
+        data::DateTime moment = dateOf(raw.year, raw.month, raw.day);
         setTime(moment, raw.hour, raw.minute, raw.second);
         moment.nanosecond = raw.fraction;
-        return moment.month == 0 || moment.day == 0 ? Value() : Value::dateTime(moment);
+        return moment.month == 0 || moment.day == 0 ? data::Value() : data::Value::dateTime(moment);
     }
     case SQL_C_GUID:
         std::memcpy(room, cell.data(), cell.size());
-        return Value::guid({room, cell.size()});
+        return data::Value::guid({room, cell.size()});
     case SQL_C_BINARY:
-        return Value::binary(cell);
+        return data::Value::binary(cell);
     default:
-        return Value::text({room, utf16LeToUtf8(cell.data(), cell.size() / 2, room)});
+        return data::Value::text({room, data::utf16LeToUtf8(cell.data(), cell.size() / 2, room)});
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "db/Field.h"
-#include "db/Value.h"
+#include "data/Field.h"
+#include "data/Value.h"
 #include "db/odbc/OdbcHandle.h"
 
 #include <cstddef>
@@ -17,7 +17,7 @@ enum class OdbcTexts : unsigned char {
 
 /// A column of an ODBC result: what it is, and how its cells are fetched.
 struct OdbcColumn {
-    Field field;
+    data::Field field;
     SQLSMALLINT cType = SQL_C_WCHAR;
 
     /// Bytes of one cell, a text's terminator included; 0 when there is no bound worth reserving
@@ -57,6 +57,6 @@ constexpr std::size_t odbcTextRoom(std::size_t size) {
 /// @param cell the bytes that the driver has written, without a terminator.
 /// @param room memory of odbcTextRoom() bytes for decimals and for texts that are not in UTF-8
 ///        yet; the value borrows from it, or from the cell.
-Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room);
+data::Value odbcValue(const OdbcColumn& column, std::string_view cell, char* room);
 
 } // namespace quillet::db

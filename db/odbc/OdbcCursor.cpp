@@ -1,6 +1,6 @@
 #include "db/odbc/OdbcCursor.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <string_view>
@@ -28,20 +28,21 @@ std::size_t writtenBytes(const char* cell, std::size_t size, SQLLEN reported) {
            writtenUnits(cell, size / UnitSize, static_cast<std::size_t>(reported) / UnitSize);
 }
 
-[[noreturn]] void truncated(const Field& field) {
-    throw providerError("01004", "A value of column '" + field.Name +
-                                     "' is longer than the driver said it could be.");
+[[noreturn]] void truncated(const data::Field& field) {
+    throw data::providerError("01004", "A value of column '" + field.Name +
+                                           "' is longer than the driver said it could be.");
 }
 
 } // namespace
 
 void executeOdbc(const OdbcHandle& statement, const std::string& text) {
     if (text.find('\0') != std::string::npos)
-        throw providerError("42000", "Syntax error: the statement holds a NUL character.");
+        throw data::providerError("42000", "Syntax error: the statement holds a NUL character.");
     OdbcText units(text);
     const SQLRETURN result = SQLExecDirectW(statement.get(), units.data(), SQL_NTS);
     if (result == SQL_NEED_DATA)
-        throw providerError("07002", "The statement has parameters; nothing is bound to them.");
+        throw data::providerError("07002",
+                                  "The statement has parameters; nothing is bound to them.");
     statement.check(result);
 }
 
@@ -212,7 +213,7 @@ SQLLEN OdbcCursor::reserveLongText(std::size_t column) {
     return length;
 }
 
-Value OdbcCursor::value(std::size_t column) const {
+data::Value OdbcCursor::value(std::size_t column) const {
     const OdbcColumn& description = columns_[column];
     Buffer& buffer = buffers_[column];
     const std::size_t row = buffer.bound ? row_ : 0;

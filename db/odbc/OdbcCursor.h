@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 #include "db/odbc/OdbcColumn.h"
 #include "db/odbc/OdbcHandle.h"
 
@@ -20,7 +20,7 @@ void executeOdbc(const OdbcHandle& statement, const std::string& text);
 /// The driver writes straight into bound memory: a block of rows at a time where every column has a
 /// modest bound. A column without one is read by itself, piece by piece, and its result comes row
 /// by row; where the driver insists on order, the columns behind it are read as well.
-class OdbcCursor final : public Cursor {
+class OdbcCursor final : public data::Cursor {
 public:
     /// Memory that a block of rows should take, and the most rows in it.
     static constexpr std::size_t BlockBytes = std::size_t{256} * 1024;
@@ -29,9 +29,9 @@ public:
     /// Runs the query.
     OdbcCursor(SQLHDBC connection, const std::string& source, OdbcTexts texts);
 
-    const FieldList& fields() const override { return fields_; }
+    const data::FieldList& fields() const override { return fields_; }
     bool next() override;
-    Value value(std::size_t column) const override;
+    data::Value value(std::size_t column) const override;
 
 private:
     struct Buffer {
@@ -52,7 +52,7 @@ private:
 
     OdbcHandle statement_;
     std::vector<OdbcColumn> columns_;
-    FieldList fields_;
+    data::FieldList fields_;
     mutable std::vector<Buffer> buffers_;
     std::vector<SQLUSMALLINT> rowStatus_;
     SQLULEN fetched_ = 0;     ///< rows in the block; the driver writes it

@@ -1,6 +1,6 @@
 #include "db/odbc/OdbcEngine.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "db/odbc/OdbcCursor.h"
 #include "db/odbc/OdbcHandle.h"
 
@@ -60,12 +60,13 @@ bool OdbcEngine::knowsDriver(std::string_view name) try {
     while (SQL_SUCCEEDED(SQLDriversW(environment.get(), direction, description.data(),
                                      static_cast<SQLSMALLINT>(description.size()), &length, nullptr,
                                      0, nullptr))) {
-        if (equalIgnoringCase(utf8OfOdbc(description.data(), description.size(), length), name))
+        if (data::equalIgnoringCase(utf8OfOdbc(description.data(), description.size(), length),
+                                    name))
             return true;
         direction = SQL_FETCH_NEXT;
     }
     return false;
-} catch (const Error&) {
+} catch (const data::Error&) {
     return false;
 }
 
@@ -77,7 +78,7 @@ void OdbcEngine::execute(const std::string& statement) {
     SQLFreeStmt(handle.get(), SQL_CLOSE);
 }
 
-std::unique_ptr<Cursor> OdbcEngine::query(const std::string& source) {
+std::unique_ptr<data::Cursor> OdbcEngine::query(const std::string& source) {
     return std::make_unique<OdbcCursor>(session_->connection.get(), source, session_->texts());
 }
 

@@ -28,7 +28,7 @@ public:
     void execute(const std::string& statement) override;
 
     /// A statement without a result runs and gives a cursor without columns.
-    std::unique_ptr<Cursor> query(const std::string& source) override;
+    std::unique_ptr<data::Cursor> query(const std::string& source) override;
 
     void begin() override;
     void commit() override;

@@ -1,6 +1,6 @@
 #include "db/odbc/OdbcHandle.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -11,8 +11,8 @@ namespace quillet::db {
 
 namespace {
 
-std::vector<ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
-    std::vector<ErrorRecord> records;
+std::vector<data::ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
+    std::vector<data::ErrorRecord> records;
     std::vector<SQLWCHAR> message(512);
     for (SQLSMALLINT number = 1;;) {
         SQLWCHAR state[SQL_SQLSTATE_SIZE + 1] = {};
@@ -29,16 +29,16 @@ std::vector<ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
             message.resize(std::min(units + 1, Largest));
             continue;
         }
-        ErrorRecord record;
+        data::ErrorRecord record;
         record.SqlState = utf8OfOdbc(state, std::size(state), SQL_SQLSTATE_SIZE);
         record.Description = utf8OfOdbc(message.data(), message.size(), length);
-        record.Number = numberOfSqlState(record.SqlState);
+        record.Number = data::numberOfSqlState(record.SqlState);
         records.push_back(std::move(record));
         ++number;
     }
     if (records.empty())
         records.push_back(
-            {number::Unspecified, "The ODBC driver failed without a reason.", "HY000"});
+            {data::number::Unspecified, "The ODBC driver failed without a reason.", "HY000"});
     return records;
 }
 
@@ -46,7 +46,7 @@ std::vector<ErrorRecord> diagnosticRecords(SQLSMALLINT type, SQLHANDLE handle) {
 
 OdbcHandle::OdbcHandle(SQLSMALLINT type, SQLSMALLINT parentType, SQLHANDLE parent) : type_(type) {
     if (!SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_)))
-        throw Error(diagnosticRecords(parentType, parent));
+        throw data::Error(diagnosticRecords(parentType, parent));
 }
 
 OdbcHandle::~OdbcHandle() {
@@ -59,8 +59,8 @@ SQLRETURN OdbcHandle::check(SQLRETURN result) const {
     return result;
 }
 
-Error OdbcHandle::diagnostics() const {
-    return Error(diagnosticRecords(type_, handle_));
+data::Error OdbcHandle::diagnostics() const {
+    return data::Error(diagnosticRecords(type_, handle_));
 }
 
 OdbcEnvironment::OdbcEnvironment() : handle_(SQL_HANDLE_ENV, SQL_HANDLE_ENV, SQL_NULL_HANDLE) {
@@ -68,7 +68,7 @@ OdbcEnvironment::OdbcEnvironment() : handle_(SQL_HANDLE_ENV, SQL_HANDLE_ENV, SQL
         SQLSetEnvAttr(handle_.get(), SQL_ATTR_ODBC_VERSION, odbcAttribute(SQL_OV_ODBC3), 0));
 }
 
-OdbcText::OdbcText(std::string_view utf8) : units_(toUtf16(utf8) + u'\0') {}
+OdbcText::OdbcText(std::string_view utf8) : units_(data::toUtf16(utf8) + u'\0') {}
 
 std::size_t writtenUnits(const char* units, std::size_t room, std::size_t reported) noexcept {
     std::size_t written = reported;
@@ -81,7 +81,7 @@ std::string utf8OfOdbc(const SQLWCHAR* units, std::size_t room, SQLSMALLINT repo
     const std::size_t written =
         writtenUnits(reinterpret_cast<const char*>(units), room,
                      static_cast<std::size_t>(std::max<SQLSMALLINT>(reported, 0)));
-    return toUtf8({reinterpret_cast<const char16_t*>(units), std::min(written, room - 1)});
+    return data::toUtf8({reinterpret_cast<const char16_t*>(units), std::min(written, room - 1)});
 }
 
 } // namespace quillet::db

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/odbc/OdbcApi.h"
 
 #include <cstddef>
@@ -28,7 +28,7 @@ public:
     SQLRETURN check(SQLRETURN result) const;
 
     /// The handle's diagnostic records as an error: SQLSTATEs, messages unchanged.
-    Error diagnostics() const;
+    data::Error diagnostics() const;
 
 private:
     SQLSMALLINT type_;

@@ -1,7 +1,7 @@
 #include "db/sqlite/AccessDialect.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@ namespace {
 constexpr int DeepestNesting = 100;
 
 [[noreturn]] void syntaxError(const std::string& description) {
-    throw providerError("42000", description);
+    throw data::providerError("42000", description);
 }
 
 [[noreturn]] void unterminated(std::string_view rest) {
@@ -83,8 +83,8 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 bool isNameCharacter(char c) {
-    return isDigit(c) || (upperAscii(c) >= 'A' && upperAscii(c) <= 'Z') || c == '_' || c == '$' ||
-           static_cast<unsigned char>(c) >= 0x80;
+    return isDigit(c) || (data::upperAscii(c) >= 'A' && data::upperAscii(c) <= 'Z') || c == '_' ||
+           c == '$' || static_cast<unsigned char>(c) >= 0x80;
 }
 
 /// Copies a statement and rewrites its joining operators on the way. Only as much of the grammar is
@@ -112,7 +112,7 @@ private:
         return text_.substr(position_, end - position_);
     }
 
-    bool atWord(std::string_view word) const { return equalIgnoringCase(peekWord(), word); }
+    bool atWord(std::string_view word) const { return data::equalIgnoringCase(peekWord(), word); }
 
     void copy(std::size_t count) {
         out_.append(text_, position_, count);
@@ -129,9 +129,10 @@ private:
         const char c = peek();
         if (isNameCharacter(c) && !isDigit(c)) {
             const std::string_view word = peekWord();
-            return std::none_of(
-                WordsBeforeExpressions.begin(), WordsBeforeExpressions.end(),
-                [word](std::string_view candidate) { return equalIgnoringCase(word, candidate); });
+            return std::none_of(WordsBeforeExpressions.begin(), WordsBeforeExpressions.end(),
+                                [word](std::string_view candidate) {
+                                    return data::equalIgnoringCase(word, candidate);
+                                });
         }
         return isDigit(c) || std::string_view("'\"[`(.+-").find(c) != std::string_view::npos;
     }
@@ -247,7 +248,7 @@ private:
 
     void copyNumber() {
         while (isNameCharacter(peek()) || peek() == '.') {
-            const bool exponent = upperAscii(peek()) == 'E';
+            const bool exponent = data::upperAscii(peek()) == 'E';
             copy(1);
             if (exponent && (peek() == '+' || peek() == '-'))
                 copy(1);

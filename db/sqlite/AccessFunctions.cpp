@@ -1,6 +1,6 @@
 #include "db/sqlite/AccessFunctions.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <sqlite3.h>
 
@@ -73,7 +73,7 @@ void addAccessFunctions(sqlite3* database) {
     const int joinAdded = sqlite3_create_function_v2(database, "access_join", 2, Flags, nullptr,
                                                      join, nullptr, nullptr, nullptr);
     if (plusAdded != SQLITE_OK || joinAdded != SQLITE_OK)
-        throw providerError("HY001", sqlite3_errmsg(database));
+        throw data::providerError("HY001", sqlite3_errmsg(database));
 }
 
 } // namespace quillet::db

@@ -1,6 +1,6 @@
 #include "db/sqlite/SqliteCursor.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -22,42 +22,43 @@ bool containsOneOf(std::string_view text, std::initializer_list<std::string_view
 }
 
 /// Close to SQLite's affinity rules (sqlite.org/datatype3.html, 3.1), with Access's type names too.
-DataType typeOfDeclaration(std::string_view declared) {
-    const std::string upper = upperCase(declared);
+data::DataType typeOfDeclaration(std::string_view declared) {
+    const std::string upper = data::upperCase(declared);
     if (upper.find("BIGINT") != std::string::npos)
-        return DataType::BigInt;
+        return data::DataType::BigInt;
     if (containsOneOf(upper, {"CHAR", "CLOB", "TEXT", "MEMO"}))
-        return DataType::WChar;
+        return data::DataType::WChar;
     if (containsOneOf(upper, {"BLOB", "BINARY", "IMAGE"}))
-        return DataType::Binary;
+        return data::DataType::Binary;
     if (containsOneOf(upper, {"INT", "LONG", "COUNTER", "BYTE", "YESNO", "BOOL"}))
-        return DataType::Integer;
+        return data::DataType::Integer;
     if (containsOneOf(upper, {"REAL", "FLOA", "DOUB", "SINGLE", "CURRENCY", "MONEY", "NUM", "DEC"}))
-        return DataType::Double;
-    return DataType::WChar;
+        return data::DataType::Double;
+    return data::DataType::WChar;
 }
 
-DataType typeOfValue(sqlite3_stmt* statement, int column) {
+data::DataType typeOfValue(sqlite3_stmt* statement, int column) {
     switch (sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER: {
         const sqlite3_int64 value = sqlite3_column_int64(statement, column);
         const bool fits = value >= std::numeric_limits<std::int32_t>::min() &&
                           value <= std::numeric_limits<std::int32_t>::max();
-        return fits ? DataType::Integer : DataType::BigInt;
+        return fits ? data::DataType::Integer : data::DataType::BigInt;
     }
     case SQLITE_FLOAT:
-        return DataType::Double;
+        return data::DataType::Double;
     case SQLITE_BLOB:
-        return DataType::Binary;
+        return data::DataType::Binary;
     default:
-        return DataType::WChar;
+        return data::DataType::WChar;
     }
 }
 
-TextComparison comparisonOfCollation(const char* collation) {
-    if (collation == nullptr || equalIgnoringCase(collation, "BINARY"))
-        return TextComparison::Binary;
-    return equalIgnoringCase(collation, "RTRIM") ? TextComparison::RTrim : TextComparison::NoCase;
+data::TextComparison comparisonOfCollation(const char* collation) {
+    if (collation == nullptr || data::equalIgnoringCase(collation, "BINARY"))
+        return data::TextComparison::Binary;
+    return data::equalIgnoringCase(collation, "RTRIM") ? data::TextComparison::RTrim
+                                                       : data::TextComparison::NoCase;
 }
 
 /// The n of a declared `TYPE(n)`.
@@ -68,17 +69,17 @@ std::uint32_t declaredLength(std::string_view declared) {
     return length == 0 ? NoLimit : length;
 }
 
-void setSizes(Field& field, std::string_view declared) {
+void setSizes(data::Field& field, std::string_view declared) {
     switch (field.Type) {
-    case DataType::Integer:
+    case data::DataType::Integer:
         field.DefinedSize = 4;
         field.Precision = 10;
         break;
-    case DataType::BigInt:
+    case data::DataType::BigInt:
         field.DefinedSize = 8;
         field.Precision = 19;
         break;
-    case DataType::Double:
+    case data::DataType::Double:
         field.DefinedSize = 8;
         field.Precision = 15;
         break;
@@ -90,8 +91,8 @@ void setSizes(Field& field, std::string_view declared) {
     field.fixedLength = true;
 }
 
-Field fieldOf(sqlite3_stmt* statement, int column, bool onRow) {
-    Field field;
+data::Field fieldOf(sqlite3_stmt* statement, int column, bool onRow) {
+    data::Field field;
     if (const char* const name = sqlite3_column_name(statement, column))
         field.Name = name;
     const char* declared = nullptr;
@@ -104,7 +105,7 @@ Field fieldOf(sqlite3_stmt* statement, int column, bool onRow) {
                                       &collation, nullptr, nullptr, nullptr) == SQLITE_OK)
         field.comparison = comparisonOfCollation(collation);
     else
-        field.comparison = TextComparison::NoCase;
+        field.comparison = data::TextComparison::NoCase;
     if (declared != nullptr)
         field.Type = typeOfDeclaration(declared);
     else if (onRow)
@@ -130,7 +131,7 @@ bool SqliteCursor::next() {
     return onRow_;
 }
 
-Value SqliteCursor::value(std::size_t column) const {
+data::Value SqliteCursor::value(std::size_t column) const {
     sqlite3_stmt* const statement = statement_.get();
     const int index = static_cast<int>(column);
     const auto bytes = [&](const void* data) {
@@ -139,13 +140,13 @@ Value SqliteCursor::value(std::size_t column) const {
     };
     switch (sqlite3_column_type(statement, index)) {
     case SQLITE_INTEGER:
-        return Value::integer(sqlite3_column_int64(statement, index));
+        return data::Value::integer(sqlite3_column_int64(statement, index));
     case SQLITE_FLOAT:
-        return Value::real(sqlite3_column_double(statement, index));
+        return data::Value::real(sqlite3_column_double(statement, index));
     case SQLITE_TEXT:
-        return Value::text(bytes(sqlite3_column_text(statement, index)));
+        return data::Value::text(bytes(sqlite3_column_text(statement, index)));
     case SQLITE_BLOB:
-        return Value::binary(bytes(sqlite3_column_blob(statement, index)));
+        return data::Value::binary(bytes(sqlite3_column_blob(statement, index)));
     default:
         return {};
     }

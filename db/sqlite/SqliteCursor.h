@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 #include "db/sqlite/SqliteHandle.h"
 
 #include <cstddef>
@@ -13,18 +13,18 @@ namespace quillet::db {
 /// of its value in the first row, and it compares as TextComparison::NoCase, because the keys that
 /// queries put together of code columns must follow the rule of those columns. SQLite types each
 /// value by itself, so a value may be of another kind than its field.
-class SqliteCursor final : public Cursor {
+class SqliteCursor final : public data::Cursor {
 public:
     /// Steps to the first row.
     explicit SqliteCursor(SqliteStatement statement);
 
-    const FieldList& fields() const override { return fields_; }
+    const data::FieldList& fields() const override { return fields_; }
     bool next() override;
-    Value value(std::size_t column) const override;
+    data::Value value(std::size_t column) const override;
 
 private:
     SqliteStatement statement_;
-    FieldList fields_;
+    data::FieldList fields_;
     bool onRow_ = false;
     bool firstPending_ = true; ///< the row found by the constructor has not been asked for yet
 };

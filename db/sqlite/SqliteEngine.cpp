@@ -1,12 +1,12 @@
 #include "db/sqlite/SqliteEngine.h"
 
-#include "db/Error.h"
-#include "db/Paths.h"
+#include "data/Error.h"
 #include "db/sqlite/AccessDialect.h"
 #include "db/sqlite/AccessFunctions.h"
 #include "db/sqlite/SqliteCursor.h"
 #include "db/sqlite/SqliteHandle.h"
 #include "db/sqlite/SqliteWaits.h"
+#include "files/Paths.h"
 
 #include <algorithm>
 #include <array>
@@ -24,7 +24,8 @@ namespace {
 ///         empty file for a new database and say little about the others.
 void requireStore(const std::filesystem::path& file) {
     const auto refuse = [&file](const std::string& why) {
-        throw providerError("08001", "The store database '" + textOf(file) + "' " + why);
+        throw data::providerError("08001",
+                                  "The store database '" + files::textOf(file) + "' " + why);
     };
     std::error_code ignored;
     if (!std::filesystem::exists(file, ignored))
@@ -57,9 +58,9 @@ SqliteDatabase openStore(const std::filesystem::path& file) {
             sqlite3_exec(opened, "SELECT 1 FROM sqlite_schema", nullptr, nullptr, nullptr) & 0xFF;
     // A lock of the POS program is no reason to refuse the file; a statement will wait for it.
     if (result != SQLITE_OK && result != SQLITE_BUSY)
-        throw providerError("08001", "The store database '" + textOf(file) +
-                                         "' cannot be opened: " +
-                                         (opened ? sqlite3_errmsg(opened) : "out of memory"));
+        throw data::providerError("08001", "The store database '" + files::textOf(file) +
+                                               "' cannot be opened: " +
+                                               (opened ? sqlite3_errmsg(opened) : "out of memory"));
     // What a transaction changes stays in memory until its commit: written out before, it would
     // keep everybody else from reading until then (sqlite.org/pragma.html#pragma_cache_spill).
     sqlite3_exec(opened, "PRAGMA cache_spill=OFF", nullptr, nullptr, nullptr);
@@ -79,7 +80,7 @@ struct SqliteEngine::Database {
     SqliteStatement prepare(const std::string& statement) {
         const std::string& sql = translateAccessSql(statement, translated);
         if (sql.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
-            throw providerError("42000", "The statement is too long.");
+            throw data::providerError("42000", "The statement is too long.");
         sqlite3_stmt* prepared = nullptr;
         const char* rest = nullptr;
         // With the terminating NUL counted in, SQLite need not copy the text.
@@ -89,13 +90,14 @@ struct SqliteEngine::Database {
         if (result != SQLITE_OK)
             throw sqliteError(handle.get());
         if (std::string_view(rest).find_first_not_of(" \t\r\n\f") != std::string_view::npos)
-            throw providerError("42000", "Characters found after end of SQL statement.");
+            throw data::providerError("42000", "Characters found after end of SQL statement.");
         if (!owner)
-            throw providerError("42000", "Invalid SQL statement; expected 'DELETE', 'INSERT', "
-                                         "'PROCEDURE', 'SELECT', or 'UPDATE'.");
+            throw data::providerError("42000",
+                                      "Invalid SQL statement; expected 'DELETE', 'INSERT', "
+                                      "'PROCEDURE', 'SELECT', or 'UPDATE'.");
         if (const int parameters = sqlite3_bind_parameter_count(prepared); parameters != 0)
-            throw providerError("07002",
-                                "Too few parameters. Expected " + std::to_string(parameters) + ".");
+            throw data::providerError("07002", "Too few parameters. Expected " +
+                                                   std::to_string(parameters) + ".");
         return owner;
     }
 
@@ -120,13 +122,13 @@ void SqliteEngine::execute(const std::string& statement) {
     database_->execute(statement, LockPatience);
 }
 
-std::unique_ptr<Cursor> SqliteEngine::query(const std::string& source) {
+std::unique_ptr<data::Cursor> SqliteEngine::query(const std::string& source) {
     const SqliteWaits::Operation operation(database_->waits, LockPatience);
     return std::make_unique<SqliteCursor>(database_->prepare(source));
 }
 
-std::unique_ptr<Cursor> SqliteEngine::queryColumn(const std::string& source,
-                                                  const std::string& column) {
+std::unique_ptr<data::Cursor> SqliteEngine::queryColumn(const std::string& source,
+                                                        const std::string& column) {
     return query("SELECT [" + column + "] FROM (" + source + ")");
 }
 

@@ -34,11 +34,11 @@ public:
 
     /// Steps to the first row at once. A statement without a result runs and gives a cursor
     /// without columns.
-    std::unique_ptr<Cursor> query(const std::string& source) override;
+    std::unique_ptr<data::Cursor> query(const std::string& source) override;
 
     /// Reads that column alone, from an index where one has it: of wide rows a fraction.
-    std::unique_ptr<Cursor> queryColumn(const std::string& source,
-                                        const std::string& column) override;
+    std::unique_ptr<data::Cursor> queryColumn(const std::string& source,
+                                              const std::string& column) override;
 
     void setWaitHandler(WaitHandler* handler) override;
 

@@ -1,6 +1,6 @@
 #include "db/sqlite/SqliteHandle.h"
 
-#include "db/Paths.h"
+#include "files/Paths.h"
 
 #include <string_view>
 
@@ -38,14 +38,15 @@ void stopCountingMemory() {
 SqliteDatabase openSqlite(const std::filesystem::path& file, int flags, int& result) {
     stopCountingMemory();
     sqlite3* opened = nullptr;
-    result = sqlite3_open_v2(textOf(file).c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    result =
+        sqlite3_open_v2(files::textOf(file).c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     return SqliteDatabase(opened);
 }
 
-Error sqliteError(sqlite3* database) {
+data::Error sqliteError(sqlite3* database) {
     const int code = sqlite3_errcode(database) & 0xFF;
     const char* const message = sqlite3_errmsg(database);
-    return providerError(sqlStateOf(code, message), message);
+    return data::providerError(sqlStateOf(code, message), message);
 }
 
 bool stepSqlite(sqlite3_stmt* statement) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <sqlite3.h>
 
@@ -25,7 +25,7 @@ using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteStatementDeleter>;
 SqliteDatabase openSqlite(const std::filesystem::path& file, int flags, int& result);
 
 /// The latest error of a database, its message unchanged.
-Error sqliteError(sqlite3* database);
+data::Error sqliteError(sqlite3* database);
 
 /// Steps a statement.
 /// @return true on a row, false at the end.

@@ -1,15 +1,16 @@
 #include "db/store/EmptyStore.h"
 
-#include "db/Error.h"
-#include "db/Paths.h"
+#include "data/Error.h"
 #include "db/sqlite/SqliteHandle.h"
 #include "db/store/schema.h" // made from schema.sql by the build
+#include "files/Paths.h"
 
 namespace quillet::db {
 
 void createEmptyStore(const std::filesystem::path& file) {
     if (std::filesystem::exists(file))
-        throw Error(number::Unspecified, "There is a file already: " + textOf(file));
+        throw data::Error(data::number::Unspecified,
+                          "There is a file already: " + files::textOf(file));
 
     int result = SQLITE_OK;
     SqliteDatabase handle = openSqlite(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, result);
@@ -20,8 +21,8 @@ void createEmptyStore(const std::filesystem::path& file) {
         handle.reset();
         std::error_code ignored;
         std::filesystem::remove(file, ignored);
-        throw Error(number::Unspecified,
-                    "The store " + textOf(file) + " cannot be created: " + reason);
+        throw data::Error(data::number::Unspecified,
+                          "The store " + files::textOf(file) + " cannot be created: " + reason);
     }
 }
 

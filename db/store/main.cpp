@@ -1,8 +1,8 @@
 // quillet-new-store FILE: makes an empty embedded store database.
 
-#include "db/Error.h"
-#include "db/Paths.h"
+#include "data/Error.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 
 #include <iostream>
 
@@ -13,8 +13,8 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     try {
-        quillet::db::createEmptyStore(quillet::db::pathOf(argv[1]));
-    } catch (const quillet::db::Error& error) {
+        quillet::db::createEmptyStore(quillet::files::pathOf(argv[1]));
+    } catch (const quillet::data::Error& error) {
         std::cerr << "quillet-new-store: " << error.what() << '\n';
         return 1;
     }

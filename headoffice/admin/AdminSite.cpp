@@ -1,6 +1,6 @@
 #include "headoffice/admin/AdminSite.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
 #include "headoffice/admin/AdminPage.h"
 #include "headoffice/admin/SafeText.h"
 
@@ -122,7 +122,7 @@ bool AdminSite::isOwnHost(std::string_view host) const {
     if (name.starts_with('[') && name.ends_with(']'))
         return isIpv6(name.substr(1, name.size() - 2));
     const auto isName = [&](std::string_view own) {
-        return !own.empty() && db::equalIgnoringCase(name, own);
+        return !own.empty() && data::equalIgnoringCase(name, own);
     };
     return isIpv4(name) || isName("localhost") ||
            std::any_of(options_.hostNames.begin(), options_.hostNames.end(), isName);

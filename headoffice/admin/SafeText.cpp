@@ -1,6 +1,6 @@
 #include "headoffice/admin/SafeText.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 #include "headoffice/RequestLog.h"
 
 namespace quillet::headoffice::admin {
@@ -39,7 +39,7 @@ std::string escaped(std::string_view text, std::string_view (*escape)(char c)) {
 
 std::string shown(std::string_view text, std::size_t most) {
     // Four bytes never make less than one unit, so the cut here is never the one that is seen.
-    std::u16string units = db::toUtf16(text.substr(0, 4 * most + 4));
+    std::u16string units = data::toUtf16(text.substr(0, 4 * most + 4));
     const bool cut = units.size() > most;
     if (cut)
         units.resize(most > 0 && isHighSurrogate(units[most - 1]) ? most - 1 : most);
@@ -51,7 +51,7 @@ std::string shown(std::string_view text, std::size_t most) {
         else if (isTreacherous(units[i]))
             units[i] = Replacement;
     }
-    return db::toUtf8(units) + (cut ? "…" : "");
+    return data::toUtf8(units) + (cut ? "…" : "");
 }
 
 std::string html(std::string_view text, std::size_t most) {

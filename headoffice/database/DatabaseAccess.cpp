@@ -1,8 +1,8 @@
 #include "headoffice/database/DatabaseAccess.h"
 
-#include "db/AsciiText.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 #include "db/ConnectionString.h"
-#include "db/Error.h"
 #include "headoffice/HostPort.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ constexpr std::array<std::string_view, 8> Keywords{"DRIVER", "SERVER", "PORT",  
                                                    "UID",    "PWD",    "OPTION", "CHARSET"};
 
 [[noreturn]] void refuse(const std::string& sentence) {
-    throw db::providerError("08004", sentence);
+    throw data::providerError("08004", sentence);
 }
 
 /// @return 0 for an empty text.
@@ -36,7 +36,7 @@ Number numberOf(const db::ConnectionString& parts, const char* keyword) {
 
 bool isKnown(std::string_view keyword) {
     return std::any_of(Keywords.begin(), Keywords.end(), [&](std::string_view known) {
-        return db::equalIgnoringCase(keyword, known);
+        return data::equalIgnoringCase(keyword, known);
     });
 }
 
@@ -55,7 +55,7 @@ DatabaseLogin DatabaseAccess::loginOf(const std::string& connectionString) const
                    "DRIVER, SERVER, PORT, DATABASE, UID, PWD, OPTION, CHARSET.");
     }
     const std::string driver = parts.value("DRIVER");
-    if (!driver.empty() && !db::equalIgnoringCase(driver, driver_))
+    if (!driver.empty() && !data::equalIgnoringCase(driver, driver_))
         refuse("The connection string names another driver than '" + driver_ + "'.");
 
     DatabaseLogin login;

@@ -19,7 +19,7 @@ public:
     /// @param driver the name that counters know it by.
     DatabaseAccess(std::vector<DatabaseName> allowed, std::string driver);
 
-    /// @throws db::Error with a sentence for the caller.
+    /// @throws data::Error with a sentence for the caller.
     DatabaseLogin loginOf(const std::string& connectionString) const;
 
 private:

@@ -1,14 +1,14 @@
 #include "headoffice/database/DatabaseName.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/HostPort.h"
 
 namespace quillet::headoffice {
 
 DatabaseName DatabaseName::parse(const std::string& text) {
     const auto refuse = [&] {
-        throw db::Error(db::number::InvalidArgument,
-                        "'" + text + "' is no database; write HOST/NAME or HOST:PORT/NAME.");
+        throw data::Error(data::number::InvalidArgument,
+                          "'" + text + "' is no database; write HOST/NAME or HOST:PORT/NAME.");
     };
     const std::size_t slash = text.find('/');
     if (slash == std::string::npos || slash + 1 == text.size() ||

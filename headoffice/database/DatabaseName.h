@@ -10,7 +10,7 @@ namespace quillet::headoffice {
 struct DatabaseName {
     static constexpr std::uint16_t DefaultPort = 3306;
 
-    /// @throws db::Error 3001 with a sentence for the administrator.
+    /// @throws data::Error 3001 with a sentence for the administrator.
     static DatabaseName parse(const std::string& text);
 
     std::string host; ///< in lower case

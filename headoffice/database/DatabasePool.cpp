@@ -1,6 +1,6 @@
 #include "headoffice/database/DatabasePool.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/database/SqlState.h"
 
 #include <algorithm>
@@ -50,12 +50,12 @@ std::unique_ptr<db::Engine> DatabasePool::takeIdle(const DatabaseLogin& login) {
 
 std::unique_ptr<db::Engine> DatabasePool::open(const DatabaseLogin& login) try {
     return open_(login);
-} catch (const db::Error& error) {
+} catch (const data::Error& error) {
     // 28000: who comes is refused. 42000: there is no such database, or not for this user.
     const std::string state = sqlStateOf(error);
     if (state == "28000" || state == "42000")
-        throw db::providerError(state, "The database does not let this user in.");
-    throw db::providerError("08001", "The database does not answer.");
+        throw data::providerError(state, "The database does not let this user in.");
+    throw data::providerError("08001", "The database does not answer.");
 }
 
 void DatabasePool::giveBack(const DatabaseLogin& login,

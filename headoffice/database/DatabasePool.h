@@ -36,7 +36,7 @@ public:
     DatabasePool(Open open, Limits limits);
 
     /// @param gone asked to stop when nobody waits for the call any more.
-    /// @throws db::Error when the database cannot be opened: whether it answers, and no more.
+    /// @throws data::Error when the database cannot be opened: whether it answers, and no more.
     DatabaseSession lend(const DatabaseLogin& login, std::stop_token gone);
 
     struct Counts {

@@ -1,7 +1,7 @@
 #include "headoffice/database/DatabaseProbe.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 #include "headoffice/database/OpenDatabase.h"
 #include "headoffice/database/SqlState.h"
 
@@ -18,8 +18,9 @@ std::string firstLineOf(const std::filesystem::path& file) {
     std::ifstream stream(file);
     std::string line;
     if (!std::getline(stream, line))
-        throw db::Error(db::number::FileAccess, "Cannot read the password's file " + file.string());
-    return std::string(db::trimmed(line, "\r\n"));
+        throw data::Error(data::number::FileAccess,
+                          "Cannot read the password's file " + file.string());
+    return std::string(data::trimmed(line, "\r\n"));
 }
 
 } // namespace
@@ -41,7 +42,7 @@ DatabaseState DatabaseProbe::look(const DatabaseName& database) const {
         openDatabase({database, user_.empty() ? Stranger : user_, password_, 0}, driver_)
             ->query("SELECT 1")
             ->next();
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         state.answers = user_.empty() && sqlStateOf(error) == AccessDenied;
         state.reason = state.answers ? "" : error.Description();
     }

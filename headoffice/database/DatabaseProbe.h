@@ -19,7 +19,7 @@ struct DatabaseState {
 /// server refuses a stranger.
 class DatabaseProbe {
 public:
-    /// @throws db::Error when the password's file cannot be read.
+    /// @throws data::Error when the password's file cannot be read.
     explicit DatabaseProbe(const Options& options);
 
     /// Asks them one after the other, now.

@@ -1,6 +1,6 @@
 #include "headoffice/database/DatabaseSession.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/database/DatabasePool.h"
 #include "headoffice/database/SqlState.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 /// Class 08 of the SQLSTATEs is the connection's; 70100 is said to one that a database closes as it
 /// ends.
-bool isLost(const db::Error& error) {
+bool isLost(const data::Error& error) {
     const std::string state = sqlStateOf(error);
     return state.starts_with("08") || state == "70100";
 }
@@ -32,12 +32,12 @@ DatabaseSession::~DatabaseSession() {
     pool_.giveBack(login_, std::move(engine_));
 }
 
-std::unique_ptr<db::Cursor> DatabaseSession::query(const std::string& sql) try {
+std::unique_ptr<data::Cursor> DatabaseSession::query(const std::string& sql) try {
     start();
     run("START TRANSACTION READ ONLY");
     watch_->require();
     return engine_->query(sql);
-} catch (const db::Error&) {
+} catch (const data::Error&) {
     explain();
     throw;
 }
@@ -50,14 +50,14 @@ void DatabaseSession::write(const std::vector<std::string>& statements) try {
         run(statement);
     watch_->require();
     engine_->commit();
-} catch (const db::Error&) {
+} catch (const data::Error&) {
     explain();
     throw;
 }
 
 /// Says the first statement, which tells whether the session of an earlier call is still one: a
 /// database that was restarted meanwhile is asked anew, and the caller does not notice.
-void DatabaseSession::start() try { limitTime(); } catch (const db::Error& error) {
+void DatabaseSession::start() try { limitTime(); } catch (const data::Error& error) {
     if (!std::exchange(wasUsed_, false) || !isLost(error))
         throw;
     watch_.reset();
@@ -73,14 +73,14 @@ void DatabaseSession::limitTime() {
     try {
         run("SET SESSION max_statement_time = " + seconds);
         return;
-    } catch (const db::Error& error) {
-        if (error.Number() == db::number::Canceled || isLost(error))
+    } catch (const data::Error& error) {
+        if (error.Number() == data::number::Canceled || isLost(error))
             throw;
     }
     try {
         run("SET SESSION max_execution_time = " + seconds + "000");
-    } catch (const db::Error& error) {
-        if (error.Number() == db::number::Canceled)
+    } catch (const data::Error& error) {
+        if (error.Number() == data::number::Canceled)
             throw;
     }
 }

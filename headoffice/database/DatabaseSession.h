@@ -27,15 +27,15 @@ public:
 
     /// Begins a transaction that cannot write and runs a query in it, both within the limits.
     /// The cursor must not outlive the session.
-    /// @throws db::Error number::Canceled when the call has been ended.
-    std::unique_ptr<db::Cursor> query(const std::string& sql);
+    /// @throws data::Error number::Canceled when the call has been ended.
+    std::unique_ptr<data::Cursor> query(const std::string& sql);
 
     /// Runs statements in one transaction, all or none.
-    /// @throws db::Error with nothing changed.
+    /// @throws data::Error with nothing changed.
     void write(const std::vector<std::string>& statements);
 
     /// Whether an error of the engine was the end of the call, said in its own words.
-    /// @throws db::Error number::Canceled then.
+    /// @throws data::Error number::Canceled then.
     void explain() const {
         if (watch_)
             watch_->explain();

@@ -11,7 +11,7 @@ namespace quillet::headoffice {
 /// Opens a database: through MariaDB's client library where the program is built with it, which
 /// reads a result row by row with every version, or else through the ODBC driver.
 /// @param driver of ODBC.
-/// @throws db::Error
+/// @throws data::Error
 std::unique_ptr<db::Engine> openDatabase(const DatabaseLogin& login, const std::string& driver);
 
 /// How openDatabase() does it, for people: "libmariadb" or "ODBC".

@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/odbc/OdbcEngine.h"
 #include "headoffice/database/OpenDatabase.h"
 
@@ -18,7 +18,7 @@ constexpr std::uint32_t RowByRow = 1048576 | 2097152;
 /// A value in braces. Drivers disagree about a brace inside.
 std::string braced(std::string_view value) {
     if (value.find_first_of("{}") != std::string_view::npos)
-        throw db::providerError("08004", "A name or password with a brace is not served here.");
+        throw data::providerError("08004", "A name or password with a brace is not served here.");
     return '{' + std::string(value) + '}';
 }
 

@@ -1,6 +1,6 @@
 #include "headoffice/database/QueryWatch.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <string>
 #include <utility>
@@ -30,11 +30,11 @@ QueryWatch::~QueryWatch() = default;
 
 void QueryWatch::require() const {
     if (gone_.stop_requested())
-        throw db::Error(db::number::Canceled, "Nobody waits for the result any more.");
+        throw data::Error(data::number::Canceled, "Nobody waits for the result any more.");
     if (late_)
-        throw db::Error(db::number::Canceled, "It took longer than the " +
-                                                  std::to_string(limit_.count()) +
-                                                  " seconds that a call may take.");
+        throw data::Error(data::number::Canceled, "It took longer than the " +
+                                                      std::to_string(limit_.count()) +
+                                                      " seconds that a call may take.");
 }
 
 void QueryWatch::run(const std::stop_token& over) {

@@ -24,11 +24,11 @@ public:
     QueryWatch& operator=(const QueryWatch&) = delete;
 
     /// Between two statements.
-    /// @throws db::Error number::Canceled when the call has been ended.
+    /// @throws data::Error number::Canceled when the call has been ended.
     void require() const;
 
     /// To be called when the engine has failed: says it in other words where it was the watch.
-    /// @throws db::Error number::Canceled when the call has been ended; otherwise does nothing.
+    /// @throws data::Error number::Canceled when the call has been ended; otherwise does nothing.
     void explain() const { require(); }
 
 private:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <string>
 
@@ -8,7 +8,7 @@ namespace quillet::headoffice {
 
 /// What a database has classified its error as (ISO 9075, "SQLSTATE"); empty for an error that is
 /// none of a database.
-inline std::string sqlStateOf(const db::Error& error) {
+inline std::string sqlStateOf(const data::Error& error) {
     return error.providerRecords().empty() ? "" : error.providerRecords().front().SqlState;
 }
 

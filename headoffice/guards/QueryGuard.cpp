@@ -1,7 +1,7 @@
 #include "headoffice/guards/QueryGuard.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 #include "headoffice/guards/SqlTokens.h"
 
 #include <algorithm>
@@ -16,11 +16,11 @@ namespace {
 using Tokens = std::vector<SqlToken>;
 
 [[noreturn]] void refuse(const std::string& sentence) {
-    throw db::providerError("42000", sentence);
+    throw data::providerError("42000", sentence);
 }
 
 bool isWord(const SqlToken& token, std::string_view word) {
-    return token.kind == SqlToken::Kind::Word && db::equalIgnoringCase(token.text, word);
+    return token.kind == SqlToken::Kind::Word && data::equalIgnoringCase(token.text, word);
 }
 
 /// Words that no counter's query has and that do more than read rows.

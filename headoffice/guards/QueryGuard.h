@@ -10,7 +10,7 @@ namespace quillet::headoffice {
 ///
 /// It stands beside the read-only transaction in which queries run, because a statement can end
 /// that: `BEGIN NOT ATOMIC COMMIT; ... END` is a single one.
-/// @throws db::Error number::CommandText with a sentence for the caller.
+/// @throws data::Error number::CommandText with a sentence for the caller.
 void requireQuery(std::string_view statement);
 
 } // namespace quillet::headoffice

@@ -1,7 +1,7 @@
 #include "headoffice/guards/WriteGuard.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 #include "headoffice/guards/SqlTokens.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 using Kind = SqlToken::Kind;
 
 [[noreturn]] void refuse(const std::string& sentence) {
-    throw db::providerError("42000", sentence);
+    throw data::providerError("42000", sentence);
 }
 
 [[noreturn]] void refuseForm() {
@@ -94,7 +94,7 @@ private:
     std::string name() {
         if (!isAt(Kind::Word) && !isAt(Kind::Name))
             refuseForm();
-        return db::upperCase(tokens_[position_++].text);
+        return data::upperCase(tokens_[position_++].text);
     }
 
     bool isAt(Kind kind) const {
@@ -102,7 +102,7 @@ private:
     }
 
     bool take(Kind kind, std::string_view text) {
-        const bool is = isAt(kind) && db::equalIgnoringCase(tokens_[position_].text, text);
+        const bool is = isAt(kind) && data::equalIgnoringCase(tokens_[position_].text, text);
         position_ += is ? 1 : 0;
         return is;
     }
@@ -136,7 +136,7 @@ bool isReport(const UpdateStatement& statement) {
 
 WriteGuard::WriteGuard(std::vector<std::string> tables) : tables_(std::move(tables)) {
     for (std::string& table : tables_)
-        table = db::upperCase(table);
+        table = data::upperCase(table);
 }
 
 UpdateStatement WriteGuard::require(std::string_view statement) const {

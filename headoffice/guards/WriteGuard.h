@@ -28,7 +28,8 @@ public:
     explicit WriteGuard(std::vector<std::string> tables = {});
 
     /// @return the statement, which says nothing but this.
-    /// @throws db::Error number::CommandText with a sentence for the caller when it is another one.
+    /// @throws data::Error number::CommandText with a sentence for the caller when it is another
+    /// one.
     UpdateStatement require(std::string_view statement) const;
 
 private:

@@ -1,6 +1,6 @@
 #include "rds/http/AddressList.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <boost/asio/ip/address.hpp>
 
@@ -17,8 +17,8 @@ namespace ip = boost::asio::ip;
 using Bytes = std::array<std::uint8_t, 16>;
 
 [[noreturn]] void refuse(std::string_view network, const std::string& why) {
-    throw db::Error(db::number::InvalidArgument,
-                    "'" + std::string(network) + "' is no network: " + why + '.');
+    throw data::Error(data::number::InvalidArgument,
+                      "'" + std::string(network) + "' is no network: " + why + '.');
 }
 
 std::optional<ip::address> addressOf(std::string_view text) {
@@ -98,7 +98,7 @@ AddressList AddressList::parse(std::string_view text) {
         text.remove_prefix(network.size());
     }
     if (list.networks_.empty())
-        throw db::Error(db::number::InvalidArgument, "The list of networks is empty.");
+        throw data::Error(data::number::InvalidArgument, "The list of networks is empty.");
     return list;
 }
 

@@ -14,7 +14,7 @@ class AddressList {
 public:
     /// Reads networks in CIDR notation, such as "10.20.0.0/16, 192.168.1.7, fd00::/8", separated
     /// by commas or blanks. An address without a length is that one address.
-    /// @throws db::Error 3001 with a sentence about the first one that is none: unreadable, too
+    /// @throws data::Error 3001 with a sentence about the first one that is none: unreadable, too
     ///         long a prefix, or bits behind the prefix (of "10.0.0.1/8" nobody knows whether one
     ///         address or sixteen million are meant); or about a text without any.
     static AddressList parse(std::string_view text);

@@ -1,6 +1,6 @@
 #include "rds/http/HttpClient.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/NetworkErrors.h"
 #include "rds/http/TimedStream.h"
 
@@ -77,7 +77,7 @@ std::optional<ServerAddress> addressOf(std::string_view server) {
 }
 
 [[noreturn]] void throwEnded() {
-    throw db::Error(db::number::Canceled, "The call was ended.");
+    throw data::Error(data::number::Canceled, "The call was ended.");
 }
 
 /// All addresses of a host. The system's look-up cannot be interrupted: one that takes too long
@@ -175,9 +175,9 @@ public:
     }
 
     [[noreturn]] void fail(const std::string& reason) const {
-        throw db::Error(db::number::RemoteServerUnavailable,
-                        "The remote server machine does not exist or is unavailable: " + server_ +
-                            ": " + reason);
+        throw data::Error(data::number::RemoteServerUnavailable,
+                          "The remote server machine does not exist or is unavailable: " + server_ +
+                              ": " + reason);
     }
 
 private:
@@ -235,11 +235,11 @@ HttpAnswer HttpClient::post(const std::string& server, const std::string& path,
         exchange.connect();
         exchange.send(requestHead(server, path, body.size()), body);
         return exchange.receive(check);
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         throw;
     } catch (const std::exception& error) {
-        throw db::Error(db::number::RemoteServerUnavailable,
-                        "The call to the remote server failed: " + std::string(error.what()));
+        throw data::Error(data::number::RemoteServerUnavailable,
+                          "The call to the remote server failed: " + std::string(error.what()));
     }
 }
 

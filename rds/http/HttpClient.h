@@ -64,7 +64,8 @@ public:
     /// @param server host name or address, optionally ":" and a port (default 80); an IPv6
     ///               address with a port stands in brackets.
     /// @param path   of the request line, for example `/msadc/msadcs.dll/some.object.Getsql`.
-    /// @throws db::Error 462 when the server cannot be reached, is too slow, cuts its reply, sends
+    /// @throws data::Error 462 when the server cannot be reached, is too slow, cuts its reply,
+    /// sends
     ///         more than the limit, answers with a status other than 200 or does not speak HTTP;
     ///         the description names the server and the reason. `number::Canceled` when
     ///         WhileWaiting has ended the call.

@@ -1,6 +1,6 @@
 #include "rds/http/HttpServer.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/Admission.h"
 #include "rds/http/ConnectionTable.h"
 #include "rds/http/Handles.h"
@@ -56,9 +56,9 @@ public:
         if (!error)
             listen(found.begin()->endpoint(), error);
         if (error)
-            throw db::Error(db::number::InvalidArgument, "Cannot listen on " + options_.address +
-                                                             ':' + std::to_string(options_.port) +
-                                                             ": " + reasonOf(error));
+            throw data::Error(data::number::InvalidArgument,
+                              "Cannot listen on " + options_.address + ':' +
+                                  std::to_string(options_.port) + ": " + reasonOf(error));
     }
 
     ~Impl() { admission_.join(); }

@@ -42,18 +42,18 @@ public:
 
     /// Sends a piece of the body of a 200 reply. Waits while the client has not taken most of
     /// what was written before.
-    /// @throws db::Error 462 when the client is gone or too slow, or the time is up.
+    /// @throws data::Error 462 when the client is gone or too slow, or the time is up.
     virtual void write(std::string_view bytes) = 0;
 
     /// Sends a complete reply of another status with a one-line text body.
-    /// @throws db::Error 462 as write() does.
+    /// @throws data::Error 462 as write() does.
     virtual void error(unsigned status, std::string_view text) = 0;
 
     /// Sends a complete reply of any status, with its Content-Length and `Cache-Control: no-store`;
     /// to HEAD without its body.
     /// @param contentType for example `text/html; charset=utf-8`; "" for none.
     /// @param more further headers, as they stand.
-    /// @throws db::Error 462 as write() does, and 3001 for a header with a line end in it.
+    /// @throws data::Error 462 as write() does, and 3001 for a header with a line end in it.
     virtual void page(unsigned status, std::string_view contentType, std::string_view body,
                       const Headers& more = {}) = 0;
 };
@@ -137,12 +137,12 @@ public:
             return decodeFactor * body + replyBuffer;
         }
 
-        /// @throws db::Error 3001 with a sentence when these cannot work together.
+        /// @throws data::Error 3001 with a sentence when these cannot work together.
         void check() const;
     };
 
     /// Binds and listens.
-    /// @throws db::Error 3001 when the options cannot work or the address cannot be bound.
+    /// @throws data::Error 3001 when the options cannot work or the address cannot be bound.
     HttpServer(Options options, Handler handler);
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;

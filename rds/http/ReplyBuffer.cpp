@@ -1,6 +1,6 @@
 #include "rds/http/ReplyBuffer.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,8 +15,8 @@ void ReplyBuffer::write(std::string_view bytes) {
         std::unique_lock lock(mutex_);
         room_.wait(lock, [this] { return !whyClosed_.empty() || waiting_.size() < capacity_; });
         if (!whyClosed_.empty())
-            throw db::Error(db::number::RemoteServerUnavailable,
-                            "The client is gone: " + whyClosed_);
+            throw data::Error(data::number::RemoteServerUnavailable,
+                              "The client is gone: " + whyClosed_);
         const std::string_view piece = bytes.substr(0, capacity_ - waiting_.size());
         if (waiting_.capacity() < waiting_.size() + piece.size())
             waiting_.reserve(std::min(capacity_, 2 * (waiting_.size() + piece.size())));

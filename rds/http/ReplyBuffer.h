@@ -21,7 +21,7 @@ public:
     ReplyBuffer(std::size_t size, std::function<void()> wake);
 
     /// On the worker: waits until all bytes are in the buffer.
-    /// @throws db::Error 462 when it is closed.
+    /// @throws data::Error 462 when it is closed.
     void write(std::string_view bytes);
 
     /// On the worker: nothing follows.

@@ -1,6 +1,6 @@
 #include "rds/http/ReplyHead.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <boost/beast/http/status.hpp>
 
@@ -19,8 +19,8 @@ constexpr const char* RetryAfter = "5"; // seconds
 
 void require(bool condition, std::string_view header) {
     if (!condition)
-        throw db::Error(db::number::InvalidArgument,
-                        "'" + std::string(header) + "' does not fit into a reply's head.");
+        throw data::Error(data::number::InvalidArgument,
+                          "'" + std::string(header) + "' does not fit into a reply's head.");
 }
 
 void appendHeader(std::string& headers, std::string_view name, std::string_view value) {

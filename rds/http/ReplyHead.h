@@ -15,7 +15,7 @@ std::string replyHead(unsigned status, const std::string& moreHeaders);
 std::string errorReply(unsigned status, std::string_view text);
 
 /// The head of a reply whose body is known, see HttpReply::page().
-/// @throws db::Error 3001 for a header that would not stay in its line.
+/// @throws data::Error 3001 for a header that would not stay in its line.
 std::string pageHead(unsigned status, std::string_view contentType, std::size_t bodySize,
                      const HttpReply::Headers& more);
 

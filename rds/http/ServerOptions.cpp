@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/HttpServer.h"
 #include "rds/http/MemoryBudget.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 void require(bool condition, const std::string& otherwise) {
     if (!condition)
-        throw db::Error(db::number::InvalidArgument, otherwise);
+        throw data::Error(data::number::InvalidArgument, otherwise);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "rds/tablegram/CellDecoder.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 #include "rds/tablegram/OleDate.h"
 #include "rds/tablegram/WideDecimal.h"
 
@@ -12,16 +12,16 @@ namespace quillet::rds {
 
 namespace {
 
-using db::DataType;
-using db::Value;
+using data::DataType;
+using data::Value;
 
-Value keep(const WideDecimal& number, db::Arena& arena) {
+Value keep(const WideDecimal& number, data::Arena& arena) {
     std::array<char, WideDecimal::MaxText> text{};
     const std::size_t size = number.format(text.data());
     return Value::decimal(arena.copy({text.data(), size}));
 }
 
-Value currency(std::int64_t scaled, db::Arena& arena) {
+Value currency(std::int64_t scaled, data::Arena& arena) {
     WideDecimal number;
     number.negative = scaled < 0;
     const auto magnitude = number.negative ? std::uint64_t{0} - static_cast<std::uint64_t>(scaled)
@@ -33,7 +33,7 @@ Value currency(std::int64_t scaled, db::Arena& arena) {
 }
 
 /// The 14 bytes behind the two that mean nothing.
-Value decimal(ByteReader& in, db::Arena& arena) {
+Value decimal(ByteReader& in, data::Arena& arena) {
     WideDecimal number;
     number.scale = in.u8();
     number.negative = in.u8() != 0;
@@ -45,7 +45,7 @@ Value decimal(ByteReader& in, db::Arena& arena) {
     return keep(number, arena);
 }
 
-Value numeric(ByteReader in, db::Arena& arena) {
+Value numeric(ByteReader in, data::Arena& arena) {
     WideDecimal number;
     in.skip(1); // precision
     number.scale = static_cast<int>(std::bit_cast<std::int8_t>(in.u8()));
@@ -67,10 +67,10 @@ Value numeric(ByteReader in, db::Arena& arena) {
 
 /// @param read dateTimeOfOleDate or dateTimeOfFileTime.
 template <typename Number>
-Value moment(db::DateTime (*read)(Number), Number number) {
+Value moment(data::DateTime (*read)(Number), Number number) {
     try {
         return Value::dateTime(read(number));
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         failDate();
     }
 }
@@ -81,32 +81,32 @@ std::uint8_t part(std::uint16_t value, unsigned last) {
     return static_cast<std::uint8_t>(value);
 }
 
-void readDate(ByteReader& in, db::DateTime& value) {
+void readDate(ByteReader& in, data::DateTime& value) {
     value.year = in.i16();
     value.month = part(in.u16(), 12);
     value.day = part(in.u16(), 31);
 }
 
-void readTime(ByteReader& in, db::DateTime& value) {
+void readTime(ByteReader& in, data::DateTime& value) {
     value.hour = part(in.u16(), 23);
     value.minute = part(in.u16(), 59);
     value.second = part(in.u16(), 61); // leap seconds
 }
 
 Value dbDate(ByteReader& in) {
-    db::DateTime value;
+    data::DateTime value;
     readDate(in, value);
     return Value::date(value);
 }
 
 Value dbTime(ByteReader& in) {
-    db::DateTime value;
+    data::DateTime value;
     readTime(in, value);
     return Value::time(value);
 }
 
 Value dbTimeStamp(ByteReader& in) {
-    db::DateTime value;
+    data::DateTime value;
     readDate(in, value);
     readTime(in, value);
     value.nanosecond = in.u32();
@@ -117,7 +117,7 @@ Value dbTimeStamp(ByteReader& in) {
 
 /// A VARIANT as it lies in memory: type, six bytes that mean nothing, eight of value. A decimal
 /// takes the place of all but the type.
-Value variant(ByteReader in, db::Arena& arena) {
+Value variant(ByteReader in, data::Arena& arena) {
     constexpr std::uint16_t Null = 1;
     constexpr std::uint16_t Int = 0x16;
     constexpr std::uint16_t UInt = 0x17;
@@ -191,7 +191,7 @@ std::string_view CellDecoder::variableBytes(ByteReader& in) const {
 }
 
 Value CellDecoder::ansiText(std::string_view bytes, const CodePage& codePage,
-                            db::Arena& arena) const {
+                            data::Arena& arena) const {
     if (layout_.fixed) {
         bytes = bytes.substr(0, bytes.find('\0'));
         bytes = bytes.substr(0, bytes.find_last_not_of(' ') + 1);
@@ -205,14 +205,14 @@ Value CellDecoder::ansiText(std::string_view bytes, const CodePage& codePage,
     return Value::text({text, size});
 }
 
-Value CellDecoder::wideText(std::string_view bytes, db::Arena& arena) const {
+Value CellDecoder::wideText(std::string_view bytes, data::Arena& arena) const {
     if (bytes.size() % 2 != 0)
         throw badReply("a wide text has an odd number of bytes");
     const std::size_t room = bytes.size() / 2 * 3;
     if (room == 0)
         return Value::text("");
     char* text = arena.allocate(room);
-    std::size_t size = db::utf16LeToUtf8(bytes.data(), bytes.size() / 2, text);
+    std::size_t size = data::utf16LeToUtf8(bytes.data(), bytes.size() / 2, text);
     arena.giveBack(room - size);
     std::string_view result(text, size);
     if (layout_.fixed) {
@@ -222,7 +222,7 @@ Value CellDecoder::wideText(std::string_view bytes, db::Arena& arena) const {
     return Value::text(result);
 }
 
-Value CellDecoder::decode(ByteReader& in, const CodePage& codePage, db::Arena& arena) const {
+Value CellDecoder::decode(ByteReader& in, const CodePage& codePage, data::Arena& arena) const {
     switch (type_) {
     case DataType::SmallInt:
         return Value::integer(in.i16());

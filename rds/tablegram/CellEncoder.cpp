@@ -1,6 +1,6 @@
 #include "rds/tablegram/CellEncoder.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/tablegram/OleDate.h"
 #include "rds/tablegram/WideDecimal.h"
 
@@ -14,12 +14,12 @@ namespace quillet::rds {
 
 namespace {
 
-using db::DataType;
-using db::Value;
-using Kind = db::Value::Kind;
+using data::DataType;
+using data::Value;
+using Kind = data::Value::Kind;
 
 [[noreturn]] void failType(const std::string& what) {
-    throw db::Error(db::number::TypeMismatch, what);
+    throw data::Error(data::number::TypeMismatch, what);
 }
 
 WideDecimal exact(const Value& value) {
@@ -75,10 +75,10 @@ unsigned takeNumber(std::string_view& text, unsigned last, char separator) {
 }
 
 /// Reads YYYY-MM-DD, HH:MM:SS with an optional fraction, or both with a blank or "T" between.
-db::DateTime parseDateTime(std::string_view text) {
+data::DateTime parseDateTime(std::string_view text) {
     constexpr std::size_t DateSize = 10;
     constexpr std::size_t TimeSize = 8;
-    db::DateTime result;
+    data::DateTime result;
     result.year = 1899;
     result.month = 12;
     result.day = 30;
@@ -111,13 +111,13 @@ db::DateTime parseDateTime(std::string_view text) {
     return result;
 }
 
-db::DateTime dateTime(const Value& value) {
+data::DateTime dateTime(const Value& value) {
     switch (value.kind()) {
     case Kind::Date:
     case Kind::DateTime:
         return value.asDateTime();
     case Kind::Time: {
-        db::DateTime result = value.asDateTime();
+        data::DateTime result = value.asDateTime();
         result.year = 1899;
         result.month = 12;
         result.day = 30;
@@ -152,13 +152,13 @@ std::string guid(const Value& value) {
     return result;
 }
 
-void writeDate(const db::DateTime& value, ByteWriter& out) {
+void writeDate(const data::DateTime& value, ByteWriter& out) {
     out.i16(value.year);
     out.u16(value.month);
     out.u16(value.day);
 }
 
-void writeTime(const db::DateTime& value, ByteWriter& out) {
+void writeTime(const data::DateTime& value, ByteWriter& out) {
     out.u16(value.hour);
     out.u16(value.minute);
     out.u16(value.second);
@@ -195,7 +195,7 @@ std::int64_t currencyOf(const Value& value) {
     const auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     const std::uint64_t magnitude = number.low64();
     if (!number.fits64() || magnitude > limit + (number.negative ? 1 : 0))
-        throw db::Error(db::number::Overflow, "A number is too large for currency.");
+        throw data::Error(data::number::Overflow, "A number is too large for currency.");
     return static_cast<std::int64_t>(number.negative ? std::uint64_t{0} - magnitude : magnitude);
 }
 
@@ -242,7 +242,7 @@ CellEncoder::CellEncoder(const ColumnDescriptor& column)
       scale_(column.scale < 0 || column.scale == 0xFF ? -1 : column.scale) {}
 
 void CellEncoder::failOverflow() const {
-    throw db::Error(db::number::Overflow, "A value is too large for the column " + name_ + ".");
+    throw data::Error(data::number::Overflow, "A value is too large for the column " + name_ + ".");
 }
 
 void CellEncoder::integer(const Value& value, ByteWriter& out) const {
@@ -308,7 +308,7 @@ void CellEncoder::numeric(const Value& value, ByteWriter& out) const {
     out.bytes(magnitude);
 }
 
-/// @throws db::Error when the column's prefix or length cannot say a size.
+/// @throws data::Error when the column's prefix or length cannot say a size.
 std::uint32_t CellEncoder::checkedSize(std::size_t size) const {
     const bool oneByte = layout_.prefix == CellLayout::Prefix::OneByte;
     const std::size_t largest = oneByte ? std::numeric_limits<std::uint8_t>::max()
@@ -393,7 +393,7 @@ void CellEncoder::encode(const Value& value, const CodePage& codePage, ByteWrite
     case DataType::DBTime:
         return writeTime(dateTime(value), out);
     case DataType::DBTimeStamp: {
-        const db::DateTime stamp = dateTime(value);
+        const data::DateTime stamp = dateTime(value);
         writeDate(stamp, out);
         writeTime(stamp, out);
         return out.u32(stamp.nanosecond);

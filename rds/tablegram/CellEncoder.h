@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Value.h"
+#include "data/Value.h"
 #include "rds/ByteWriter.h"
 #include "rds/tablegram/CodePage.h"
 #include "rds/tablegram/TablegramMetadata.h"
@@ -12,20 +12,20 @@ namespace quillet::rds {
 /// Writes the values of one column, converting them to its type.
 class CellEncoder {
 public:
-    /// @throws db::Error `number::Unspecified` for a type that no row can hold.
+    /// @throws data::Error `number::Unspecified` for a type that no row can hold.
     explicit CellEncoder(const ColumnDescriptor& column);
 
     /// Appends one value. What has been written when it throws is no valid row.
     /// @param value not Null.
-    /// @throws db::Error 13 when the value cannot be converted to the column's type, 6 when it is
+    /// @throws data::Error 13 when the value cannot be converted to the column's type, 6 when it is
     ///         outside of the type's range or does not fit the column.
-    void encode(const db::Value& value, const CodePage& codePage, ByteWriter& out) const;
+    void encode(const data::Value& value, const CodePage& codePage, ByteWriter& out) const;
 
 private:
-    void integer(const db::Value& value, ByteWriter& out) const;
+    void integer(const data::Value& value, ByteWriter& out) const;
     void single(double value, ByteWriter& out) const;
-    void decimal(const db::Value& value, ByteWriter& out) const;
-    void numeric(const db::Value& value, ByteWriter& out) const;
+    void decimal(const data::Value& value, ByteWriter& out) const;
+    void numeric(const data::Value& value, ByteWriter& out) const;
     void text(std::string_view utf8, const CodePage& codePage, ByteWriter& out) const;
     void wideText(std::string_view utf8, ByteWriter& out) const;
     void prefixed(std::string_view bytes, char padding, ByteWriter& out) const;
@@ -33,7 +33,7 @@ private:
     [[noreturn]] void failOverflow() const;
 
     std::string name_;
-    db::DataType type_;
+    data::DataType type_;
     CellLayout layout_;
     std::uint8_t precision_;
     int scale_; ///< -1 where the column does not fix it

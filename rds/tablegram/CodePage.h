@@ -18,7 +18,7 @@ inline constexpr unsigned DefaultCodePage = 949;
 class CodePage {
 public:
     /// @param number Windows' number of the code page. One that the system does not know is
-    ///        db::Error `number::Unspecified`, from here on or from the first text that needs it.
+    ///        data::Error `number::Unspecified`, from here on or from the first text that needs it.
     explicit CodePage(unsigned number);
     ~CodePage();
     CodePage(CodePage&&) noexcept;

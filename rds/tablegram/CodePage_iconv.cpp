@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/ByteWriter.h"
 #include "rds/tablegram/CodePage.h"
 
@@ -22,8 +22,8 @@ public:
         : handle_(iconv_open(to.c_str(), from.c_str())) {
         // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv's own error value
         if (handle_ == reinterpret_cast<iconv_t>(-1))
-            throw db::Error(db::number::Unspecified,
-                            "The system cannot convert from " + from + " to " + to + ".");
+            throw data::Error(data::number::Unspecified,
+                              "The system cannot convert from " + from + " to " + to + ".");
     }
     ~Converter() { iconv_close(handle_); }
     Converter(const Converter&) = delete;

@@ -1,5 +1,5 @@
-#include "db/Error.h"
-#include "db/Utf16.h"
+#include "data/Error.h"
+#include "data/Utf16.h"
 #include "rds/ByteWriter.h"
 #include "rds/tablegram/CodePage.h"
 
@@ -25,8 +25,8 @@ public:
 
 CodePage::CodePage(unsigned number) : impl_(std::make_unique<Impl>(Impl{number})) {
     if (!IsValidCodePage(number))
-        throw db::Error(db::number::Unspecified,
-                        "The system does not know the code page " + std::to_string(number) + ".");
+        throw data::Error(data::number::Unspecified,
+                          "The system does not know the code page " + std::to_string(number) + ".");
 }
 
 CodePage::~CodePage() = default;
@@ -49,7 +49,7 @@ std::size_t CodePage::toUtf8(std::string_view bytes, char* out) const {
             bytes.remove_prefix(size);
         }
     }
-    return db::toUtf8(wide).copy(out, room);
+    return data::toUtf8(wide).copy(out, room);
 }
 
 std::size_t CodePage::appendFromUtf8(std::string_view utf8, std::string& out) const {
@@ -57,7 +57,7 @@ std::size_t CodePage::appendFromUtf8(std::string_view utf8, std::string& out) co
         out.append(utf8);
         return utf8.size();
     }
-    const std::u16string wide = db::toUtf16(utf8);
+    const std::u16string wide = data::toUtf16(utf8);
     const auto* units = reinterpret_cast<const wchar_t*>(wide.data());
     const int count = static_cast<int>(wide.size());
     // A default character may not be named for UTF-8, which lacks none.

@@ -1,6 +1,6 @@
 #include "rds/tablegram/OleDate.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <chrono>
 #include <cmath>
@@ -17,13 +17,13 @@ constexpr sys_days FileTimeEpoch = std::chrono::year(1601) / 1 / 1;
 constexpr std::int64_t NanosecondsPerDay = 86'400'000'000'000;
 
 [[noreturn]] void failOverflow() {
-    throw db::Error(db::number::Overflow, "A date is out of range.");
+    throw data::Error(data::number::Overflow, "A date is out of range.");
 }
 
 /// @param nanoseconds of the day, less than a day.
-db::DateTime compose(sys_days day, std::int64_t nanoseconds) {
+data::DateTime compose(sys_days day, std::int64_t nanoseconds) {
     const std::chrono::year_month_day date(day);
-    db::DateTime value;
+    data::DateTime value;
     value.year = static_cast<std::int16_t>(static_cast<int>(date.year()));
     value.month = static_cast<std::uint8_t>(static_cast<unsigned>(date.month()));
     value.day = static_cast<std::uint8_t>(static_cast<unsigned>(date.day()));
@@ -35,7 +35,7 @@ db::DateTime compose(sys_days day, std::int64_t nanoseconds) {
     return value;
 }
 
-sys_days dayOf(const db::DateTime& value) {
+sys_days dayOf(const data::DateTime& value) {
     const std::chrono::year_month_day date{std::chrono::year(value.year),
                                            std::chrono::month(value.month),
                                            std::chrono::day(value.day)};
@@ -44,14 +44,14 @@ sys_days dayOf(const db::DateTime& value) {
     return date;
 }
 
-std::int64_t nanosecondsOf(const db::DateTime& value) {
+std::int64_t nanosecondsOf(const data::DateTime& value) {
     const std::int64_t seconds = (value.hour * 60 + value.minute) * 60 + value.second;
     return seconds * 1'000'000'000 + value.nanosecond;
 }
 
 } // namespace
 
-db::DateTime dateTimeOfOleDate(double value) {
+data::DateTime dateTimeOfOleDate(double value) {
     constexpr double First = -657434;  // 0100-01-01
     constexpr double Behind = 2958466; // 10000-01-01
     // Until half a millisecond before, beyond which it would be rounded to that day.
@@ -69,7 +69,7 @@ db::DateTime dateTimeOfOleDate(double value) {
     return compose(day, milliseconds * 1'000'000);
 }
 
-double oleDateOf(const db::DateTime& value) {
+double oleDateOf(const data::DateTime& value) {
     // A leap second ends in the next day.
     const std::int64_t nanoseconds = nanosecondsOf(value);
     const double whole =
@@ -79,7 +79,7 @@ double oleDateOf(const db::DateTime& value) {
     return whole < 0 ? whole - fraction : whole + fraction;
 }
 
-db::DateTime dateTimeOfFileTime(std::uint64_t ticks) {
+data::DateTime dateTimeOfFileTime(std::uint64_t ticks) {
     constexpr std::uint64_t TicksPerDay = 864'000'000'000;
     constexpr std::uint64_t LastDay = 3'067'670; // 9999-12-31
     const std::uint64_t day = ticks / TicksPerDay;
@@ -89,7 +89,7 @@ db::DateTime dateTimeOfFileTime(std::uint64_t ticks) {
                    static_cast<std::int64_t>(ticks % TicksPerDay * 100));
 }
 
-std::uint64_t fileTimeOf(const db::DateTime& value) {
+std::uint64_t fileTimeOf(const data::DateTime& value) {
     const auto day = (dayOf(value) - FileTimeEpoch).count();
     if (day < 0)
         failOverflow();

@@ -1,6 +1,6 @@
 #include "rds/tablegram/TablegramMetadata.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@ namespace quillet::rds {
 
 namespace {
 
-using db::DataType;
+using data::DataType;
 
 /// What a database server says of a type that is the same for every column.
 struct FixedType {
@@ -49,16 +49,16 @@ bool holdsCharacters(DataType type) noexcept {
 [[noreturn]] void failType(const ColumnDescriptor& column) {
     std::array<char, 8> code{};
     std::snprintf(code.data(), code.size(), "0x%04X", static_cast<unsigned>(column.type));
-    throw db::Error(db::number::Unspecified, "The column " + column.name + " has the type " +
-                                                 code.data() +
-                                                 ", which a remote recordset cannot hold.");
+    throw data::Error(data::number::Unspecified, "The column " + column.name + " has the type " +
+                                                     code.data() +
+                                                     ", which a remote recordset cannot hold.");
 }
 
 std::uint8_t clampToByte(std::int64_t value) noexcept {
     return value < 0 || value > 0xFF ? std::uint8_t{0xFF} : static_cast<std::uint8_t>(value);
 }
 
-ColumnDescriptor describe(const db::Field& field) {
+ColumnDescriptor describe(const data::Field& field) {
     ColumnDescriptor column;
     column.name = field.Name;
     // Recordsets of the time have no BStr columns; their texts are wide ones without a limit.
@@ -89,18 +89,18 @@ ColumnDescriptor describe(const db::Field& field) {
 
 } // namespace
 
-TablegramMetadata describe(const db::FieldList& fields) {
+TablegramMetadata describe(const data::FieldList& fields) {
     TablegramMetadata metadata;
     metadata.columns.reserve(fields.size());
-    for (const db::Field& field : fields) {
+    for (const data::Field& field : fields) {
         metadata.columns.push_back(describe(field));
         cellLayout(metadata.columns.back()); // refuses types without a form
     }
     return metadata;
 }
 
-TablegramMetadata describeResult(db::FieldList fields) {
-    for (db::Field& field : fields) {
+TablegramMetadata describeResult(data::FieldList fields) {
+    for (data::Field& field : fields) {
         const bool isText = holdsCharacters(field.Type) || field.Type == DataType::Char;
         if (isText && !field.fixedLength)
             field.DefinedSize = field.DefinedSize > NoLimit / 2 ? NoLimit : 2 * field.DefinedSize;
@@ -135,8 +135,8 @@ CellLayout cellLayout(const ColumnDescriptor& column) {
                                   : CellLayout{Prefix::OneByte, size, false};
 }
 
-db::Field fieldOf(const ColumnDescriptor& column) {
-    db::Field field;
+data::Field fieldOf(const ColumnDescriptor& column) {
+    data::Field field;
     field.Name = column.name;
     field.Type = column.type;
     field.DefinedSize = column.maxLength;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Field.h"
+#include "data/Field.h"
 
 #include <cstdint>
 #include <optional>
@@ -43,7 +43,7 @@ struct ColumnDescriptor {
     std::string name;
     std::optional<BaseColumn> base; ///< none for an expression
     std::optional<std::string> catalog, schema;
-    db::DataType type = db::DataType::WChar;
+    data::DataType type = data::DataType::WChar;
     std::uint32_t maxLength = 0;    ///< bytes, or characters for WChar and BStr
     std::uint32_t precision = 0xFF; ///< 0xFF where it has no meaning
     std::int32_t scale = 0xFF;
@@ -66,12 +66,12 @@ struct TablegramMetadata {
 /// Describes plain query results, columns without a base table, as a database server does: sizes
 /// of fixed types and missing precisions are filled in; a text or binary column without a size is
 /// one without a limit.
-/// @throws db::Error `number::Unspecified` for a column whose type has no form on the wire.
-TablegramMetadata describe(const db::FieldList& fields);
+/// @throws data::Error `number::Unspecified` for a column whose type has no form on the wire.
+TablegramMetadata describe(const data::FieldList& fields);
 
 /// The same for a database's own fields. Its texts are declared with twice their size: it counts
 /// characters, of which each may be two bytes in the code page or two units in UTF-16.
-TablegramMetadata describeResult(db::FieldList fields);
+TablegramMetadata describeResult(data::FieldList fields);
 
 /// How the values of a column are laid out in a row.
 struct CellLayout {
@@ -85,10 +85,10 @@ struct CellLayout {
 
 /// The layout rule of MS-ADTG 2.2.3.14.3.6, with the sizes in bytes for every type and a
 /// four-byte prefix for fixed columns over 255 bytes too, as servers write it.
-/// @throws db::Error `number::Unspecified` for types that no row can hold.
+/// @throws data::Error `number::Unspecified` for types that no row can hold.
 CellLayout cellLayout(const ColumnDescriptor& column);
 
 /// Type, size and so on of a described column for a recordset.
-db::Field fieldOf(const ColumnDescriptor& column);
+data::Field fieldOf(const ColumnDescriptor& column);
 
 } // namespace quillet::rds

@@ -1,6 +1,6 @@
 #include "rds/tablegram/TablegramReader.h"
 
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 #include "rds/tablegram/CellDecoder.h"
 #include "rds/tablegram/TablegramFormat.h"
 
@@ -37,7 +37,7 @@ std::string name(ByteReader& in) {
     const std::size_t units = in.u16();
     const std::string_view wide = in.bytes(2 * units);
     std::string result(3 * units, '\0');
-    result.resize(db::utf16LeToUtf8(wide.data(), units, result.data()));
+    result.resize(data::utf16LeToUtf8(wide.data(), units, result.data()));
     return result;
 }
 
@@ -131,7 +131,7 @@ ColumnDescriptor readColumn(ByteReader content) {
         content.skip(2);
     if (has(presence::BaseColumnName))
         name(content);
-    column.type = static_cast<db::DataType>(content.u16());
+    column.type = static_cast<data::DataType>(content.u16());
     column.maxLength = content.u32();
     column.precision = content.u32();
     column.scale = content.i32();
@@ -142,7 +142,7 @@ ColumnDescriptor readColumn(ByteReader content) {
         name(content);
     skipRareParts(content, map);
     column.visible = content.u16() != 0;
-    if (column.type == db::DataType::Chapter || (column.flags & columnflag::Chapter) != 0)
+    if (column.type == data::DataType::Chapter || (column.flags & columnflag::Chapter) != 0)
         throw badReply("its recordset is hierarchical, which is not supported");
     return column;
 }
@@ -160,7 +160,7 @@ public:
     }
 
     /// Reads up to the token that ends the tablegram.
-    db::Recordset read(ByteReader& in) {
+    data::Recordset read(ByteReader& in) {
         for (;;) {
             const std::uint8_t next = in.u8();
             switch (next) {
@@ -182,7 +182,7 @@ public:
                 break;
             case token::InsertedRow:
                 keep();
-                std::fill(row_.begin(), row_.end(), db::Value());
+                std::fill(row_.begin(), row_.end(), data::Value());
                 readChanges(in);
                 pending_ = Pending::Final;
                 break;
@@ -211,8 +211,8 @@ private:
     /// Whether row_ holds a row that is not yet in the recordset, and may still change.
     enum class Pending { None, Original, Final };
 
-    static db::FieldList visibleFields(const std::vector<ColumnDescriptor>& columns) {
-        db::FieldList fields;
+    static data::FieldList visibleFields(const std::vector<ColumnDescriptor>& columns) {
+        data::FieldList fields;
         fields.reserve(columns.size());
         for (const ColumnDescriptor& column : columns) {
             if (column.visible)
@@ -230,7 +230,7 @@ private:
             const Column& column = columns_[i];
             const bool present = !column.nullable || mapBit(map, bit++);
             row_[i] =
-                present ? column.decoder.decode(in, codePage_, recordset_.arena()) : db::Value();
+                present ? column.decoder.decode(in, codePage_, recordset_.arena()) : data::Value();
         }
     }
 
@@ -239,7 +239,7 @@ private:
         const std::string_view setToNull = in.bytes(mapSize_);
         for (std::size_t i = 0; i < columns_.size(); ++i) {
             if (mapBit(setToNull, i))
-                row_[i] = db::Value();
+                row_[i] = data::Value();
             else if (mapBit(updated, i))
                 row_[i] = columns_[i].decoder.decode(in, codePage_, recordset_.arena());
         }
@@ -257,11 +257,11 @@ private:
         pending_ = Pending::None;
     }
 
-    db::Recordset recordset_;
+    data::Recordset recordset_;
     CodePage codePage_;
     std::vector<Column> columns_;
-    std::vector<db::Value> row_; ///< hidden cells included
-    std::vector<db::Value> visibleCells_;
+    std::vector<data::Value> row_; ///< hidden cells included
+    std::vector<data::Value> visibleCells_;
     std::size_t mapSize_;
     std::size_t nullableColumns_ = 0;
     Pending pending_ = Pending::None;
@@ -269,7 +269,7 @@ private:
 
 } // namespace
 
-db::Recordset readTablegram(ByteReader& in, unsigned codePage) {
+data::Recordset readTablegram(ByteReader& in, unsigned codePage) {
     readHeader(in);
     block(in, token::HandlerOptions);
     const Counts counts = readResultDescriptor(block(in, token::ResultDescriptor));
@@ -281,7 +281,7 @@ db::Recordset readTablegram(ByteReader& in, unsigned codePage) {
     for (std::size_t i = 0; i < counts.columns; ++i)
         columns.push_back(readColumn(block(in, token::ColumnDescriptor)));
 
-    db::Recordset recordset = Rows(columns, codePage).read(in);
+    data::Recordset recordset = Rows(columns, codePage).read(in);
     if (recordset.RecordCount() > 0)
         recordset.MoveFirst();
     return recordset;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "rds/ByteReader.h"
 #include "rds/tablegram/CodePage.h"
 
@@ -11,8 +11,8 @@ namespace quillet::rds {
 /// are gone, inserted ones are there. Columns that the server added for itself are left out.
 /// @param in stands behind the tablegram afterwards.
 /// @param codePage of the ANSI columns.
-/// @throws db::Error `number::Unspecified` when it is cut short, contradicts itself or is of a
+/// @throws data::Error `number::Unspecified` when it is cut short, contradicts itself or is of a
 ///         kind that is not supported (hierarchical, big-endian, another version).
-db::Recordset readTablegram(ByteReader& in, unsigned codePage = DefaultCodePage);
+data::Recordset readTablegram(ByteReader& in, unsigned codePage = DefaultCodePage);
 
 } // namespace quillet::rds

@@ -1,6 +1,6 @@
 #include "rds/tablegram/TablegramWriter.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/tablegram/TablegramFormat.h"
 
 #include <limits>
@@ -50,8 +50,8 @@ void propertySet(ByteWriter& out, std::string_view identifier, std::uint16_t pro
 
 std::uint16_t count(std::size_t value, const char* what) {
     if (value > std::numeric_limits<std::uint16_t>::max())
-        throw db::Error(db::number::Unspecified,
-                        std::string("A remote recordset cannot have so many ") + what + ".");
+        throw data::Error(data::number::Unspecified,
+                          std::string("A remote recordset cannot have so many ") + what + ".");
     return static_cast<std::uint16_t>(value);
 }
 
@@ -180,15 +180,15 @@ TablegramWriter::TablegramWriter(ByteSink sink, const TablegramMetadata& metadat
     presence_.resize((nullableColumns + 7) / 8);
 }
 
-void TablegramWriter::writeRow(const db::Cursor& cursor) {
+void TablegramWriter::writeRow(const data::Cursor& cursor) {
     // Servers leave the unused bits of the map set.
     presence_.assign(presence_.size(), 0xFF);
     std::size_t bit = 0;
     for (std::size_t column = 0; column < row_.size(); ++column) {
         row_[column] = cursor.value(column);
         if (!nullable_[column] && row_[column].isNull())
-            throw db::Error(db::number::InvalidUseOfNull,
-                            "The column " + requiredNames_[column] + " must not be Null.");
+            throw data::Error(data::number::InvalidUseOfNull,
+                              "The column " + requiredNames_[column] + " must not be Null.");
         if (nullable_[column]) {
             if (row_[column].isNull())
                 presence_[bit / 8] =

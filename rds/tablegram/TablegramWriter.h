@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 #include "rds/ByteWriter.h"
 #include "rds/tablegram/CellEncoder.h"
 #include "rds/tablegram/CodePage.h"
@@ -18,14 +18,14 @@ public:
     /// Writes the metadata.
     /// @param sink gets the bytes in pieces of about 64 KiB; none before the metadata has been
     ///             found to be right.
-    /// @throws db::Error when a column cannot be described.
+    /// @throws data::Error when a column cannot be described.
     TablegramWriter(ByteSink sink, const TablegramMetadata& metadata,
                     unsigned codePage = DefaultCodePage);
 
     /// Writes the current row of a cursor that has one value per column. A tablegram for which
     /// this has thrown cannot be finished.
-    /// @throws db::Error 94 for Null in a column that is not nullable, and as CellEncoder.
-    void writeRow(const db::Cursor& cursor);
+    /// @throws data::Error 94 for Null in a column that is not nullable, and as CellEncoder.
+    void writeRow(const data::Cursor& cursor);
 
     /// Ends the tablegram and passes the rest on.
     void finish();
@@ -39,7 +39,7 @@ private:
     std::vector<CellEncoder> encoders_;
     std::vector<std::string> requiredNames_; ///< of columns that are not nullable
     std::vector<bool> nullable_;
-    std::vector<db::Value> row_;
+    std::vector<data::Value> row_;
     std::vector<std::uint8_t> presence_;
 };
 

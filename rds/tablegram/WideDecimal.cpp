@@ -1,7 +1,7 @@
 #include "rds/tablegram/WideDecimal.h"
 
-#include "db/AsciiText.h"
-#include "db/Error.h"
+#include "data/AsciiText.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <charconv>
@@ -39,7 +39,7 @@ std::uint32_t divide(Limbs& limbs, std::uint32_t divisor) noexcept {
 }
 
 [[noreturn]] void failOverflow() {
-    throw db::Error(db::number::Overflow, "A number is too large for its column.");
+    throw data::Error(data::number::Overflow, "A number is too large for its column.");
 }
 
 bool isDigit(char c) noexcept {
@@ -70,7 +70,7 @@ std::size_t writeDigits(Limbs limbs, char* out) {
 } // namespace
 
 WideDecimal WideDecimal::parse(std::string_view text) {
-    text = db::trimmed(text);
+    text = data::trimmed(text);
 
     WideDecimal result;
     std::size_t i = 0;
@@ -95,7 +95,7 @@ WideDecimal WideDecimal::parse(std::string_view text) {
         }
     }
     if (digits == 0 || i != text.size())
-        throw db::Error(db::number::TypeMismatch, "'" + std::string(text) + "' is no number.");
+        throw data::Error(data::number::TypeMismatch, "'" + std::string(text) + "' is no number.");
     return result;
 }
 

@@ -22,11 +22,11 @@ struct WideDecimal {
 
     /// @param text optional sign, digits, optional "." and digits; blanks around it do not count.
     ///             Fractional digits that find no room are rounded off.
-    /// @throws db::Error 13 when it is no number, 6 when its integer part needs over 128 bits.
+    /// @throws data::Error 13 when it is no number, 6 when its integer part needs over 128 bits.
     static WideDecimal parse(std::string_view text);
 
     /// Changes the scale, rounding half away from zero.
-    /// @throws db::Error 6 when the magnitude no longer fits.
+    /// @throws data::Error 6 when the magnitude no longer fits.
     void rescale(int newScale);
 
     /// The same, but where rescale() throws this one leaves the number as it is.

@@ -1,6 +1,6 @@
 // The two programs as they are started on real machines.
 
-#include "db/Paths.h"
+#include "files/Paths.h"
 #include "tests/support/Counter.h"
 #include "tests/support/TestHeadOffice.h"
 
@@ -24,7 +24,7 @@ TEST(ProcessTest, TheProgramsReceiveTheSampleChain) {
     const Counter counter;
     TestHeadOffice chain;
     chain.sql("USE quillet_chain");
-    const std::string portFile = db::textOf(counter.folder / "port");
+    const std::string portFile = files::textOf(counter.folder / "port");
 
     QProcess server;
     server.start(QStringLiteral(QUILLET_HEADOFFICE_PROGRAM),
@@ -38,8 +38,8 @@ TEST(ProcessTest, TheProgramsReceiveTheSampleChain) {
     ASSERT_FALSE(port.empty()) << server.readAllStandardError().toStdString();
 
     // The program looks for store and logs beside itself, so it gets a folder of its own.
-    const std::string program = db::textOf(counter.folder / "quillet");
-    std::filesystem::copy_file(QUILLET_PROGRAM, db::pathOf(program));
+    const std::string program = files::textOf(counter.folder / "quillet");
+    std::filesystem::copy_file(QUILLET_PROGRAM, files::pathOf(program));
     std::filesystem::create_directories(counter.folder / "config" / "quillet");
     tests::writeFile(
         counter.folder / "config" / "quillet" / "settings.ini",
@@ -49,7 +49,7 @@ TEST(ProcessTest, TheProgramsReceiveTheSampleChain) {
             "\nDBName=quillet_chain\nDBUser=" + TestHeadOffice::databaseUser() + "\n");
     QProcess window;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("XDG_CONFIG_HOME", q(db::textOf(counter.folder / "config")));
+    environment.insert("XDG_CONFIG_HOME", q(files::textOf(counter.folder / "config")));
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     window.setProcessEnvironment(environment);
     window.start(q(program), {});

@@ -1,6 +1,6 @@
 // Whole receives as a person sees them: MariaDB, HTTP, window, store file.
 
-#include "db/Paths.h"
+#include "files/Paths.h"
 #include "tests/app/ReceiveFixture.h"
 #include "tests/support/TamperingProxy.h"
 
@@ -229,7 +229,7 @@ TEST_F(ReceiveTest, ClosingDuringARunWaitsForItsEnd) {
 
 TEST_F(ReceiveTest, StartUpReadsTheSettingsInItsWay) {
     category("101000000000000", "밥류", "'Y'", "'A402'");
-    const std::string elsewhere = db::textOf(counter_.folder / "포스");
+    const std::string elsewhere = files::textOf(counter_.folder / "포스");
     std::filesystem::create_directory(counter_.folder / "포스");
     std::filesystem::rename(counter_.folder / "food.MDB", counter_.folder / "포스/food.MDB");
     counter_.settings.SaveSetting("외식업", "LOCATION", "ID", elsewhere);

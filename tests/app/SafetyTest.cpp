@@ -1,6 +1,6 @@
 // What a store keeps when something fails: the whole program against real failures.
 
-#include "db/Paths.h"
+#include "files/Paths.h"
 #include "tests/app/ReceiveFixture.h"
 #include "tests/support/ScriptedServer.h"
 

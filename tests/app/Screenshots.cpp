@@ -165,7 +165,7 @@ private:
         QTest::qWait(1000);
 
         app::frm_Quillet second(
-            {counter.settings, counter.folder.path(), "1.0.0", db::localNow, nullptr});
+            {counter.settings, counter.folder.path(), "1.0.0", logs::localNow, nullptr});
         second.show();
         QTest::qWait(300);
         take(second, file("second-window"));

@@ -1,8 +1,8 @@
 #include "app/ConnectionStrings.h"
 #include "app/IniSettings.h"
 #include "app/PlaceWindow.h"
-#include "db/Error.h"
-#include "db/Paths.h"
+#include "data/Error.h"
+#include "files/Paths.h"
 #include "tests/support/TempFolder.h"
 
 #include <QGuiApplication>
@@ -20,7 +20,7 @@ namespace {
 TEST(IniSettingsTest, ReadsWhatAPersonWroteAndKeepsIt) {
     const tests::TempFolder folder;
     const auto file = folder / "sub" / "settings.ini";
-    IniSettings settings(QString::fromStdString(db::textOf(file)));
+    IniSettings settings(QString::fromStdString(files::textOf(file)));
     EXPECT_EQ(settings.GetSetting("HALDREN", "Settings", "1차서버", "absent"), "absent");
     settings.SaveSetting("HALDREN", "Settings", "1차서버", "counter.example"); // makes the folder
 
@@ -67,9 +67,9 @@ TEST(IniSettingsTest, ReplacesNothingThatItDoesNotUnderstand) {
     };
     for (const std::string& bytes : cases) {
         tests::writeFile(file, bytes);
-        IniSettings settings(QString::fromStdString(db::textOf(file)));
-        EXPECT_THROW(settings.GetSetting("HALDREN", "Settings", "가맹점"), db::Error) << bytes;
-        EXPECT_THROW(settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1"), db::Error);
+        IniSettings settings(QString::fromStdString(files::textOf(file)));
+        EXPECT_THROW(settings.GetSetting("HALDREN", "Settings", "가맹점"), data::Error) << bytes;
+        EXPECT_THROW(settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1"), data::Error);
         EXPECT_EQ(tests::readFile(file), bytes);
     }
     // Half of it is there, then the rest: nothing of it is lost.
@@ -78,7 +78,7 @@ TEST(IniSettingsTest, ReplacesNothingThatItDoesNotUnderstand) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         std::ofstream(file, std::ios::app) << "0\nDBName=chain\n";
     });
-    IniSettings settings(QString::fromStdString(db::textOf(file)));
+    IniSettings settings(QString::fromStdString(files::textOf(file)));
     settings.SaveSetting("ZELMARO_II", "DBLOC", "RCVVERSION", "1");
     writer.join();
     EXPECT_EQ(tests::readFile(file),

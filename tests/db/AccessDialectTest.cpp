@@ -1,6 +1,6 @@
 #include "db/sqlite/AccessDialect.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "db/sqlite/AccessFunctions.h"
 #include "db/sqlite/SqliteHandle.h"
 
@@ -41,7 +41,7 @@ protected:
                 result += (result.empty() ? "" : "|") + std::string(text ? text : "Null");
             }
             return result;
-        } catch (const Error& error) {
+        } catch (const data::Error& error) {
             return error.providerRecords().front().SqlState + " " + error.Description();
         }
     }

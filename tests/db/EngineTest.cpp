@@ -1,8 +1,8 @@
-#include "db/Paths.h"
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "db/Transaction.h"
 #include "db/sqlite/SqliteEngine.h"
 #include "db/sqlite/SqliteHandle.h"
+#include "files/Paths.h"
 #include "tests/db/Queries.h"
 #include "tests/support/TempFolder.h"
 
@@ -25,7 +25,7 @@ using tests::writeFile;
 
 SqliteDatabase openRaw(const std::filesystem::path& file) {
     sqlite3* opened = nullptr;
-    sqlite3_open(textOf(file).c_str(), &opened);
+    sqlite3_open(files::textOf(file).c_str(), &opened);
     return SqliteDatabase(opened);
 }
 
@@ -41,12 +41,12 @@ void createStore(const std::filesystem::path& file) {
 
 std::string embedded(const std::filesystem::path& file) {
     return "PROVIDER=MSDataShape;Driver={Microsoft Access Driver (*.mdb)};Dbq=" +
-           textOf(file.filename()) + ";DefaultDir=" + textOf(file.parent_path()) +
+           files::textOf(file.filename()) + ";DefaultDir=" + files::textOf(file.parent_path()) +
            ";Uid=Admin;pwd=secret";
 }
 
 std::string overOdbc(const std::filesystem::path& file) {
-    return "PROVIDER=MSDataShape;DRIVER={SQLite3};DATABASE=" + textOf(file) + ";NoCreat=1;";
+    return "PROVIDER=MSDataShape;DRIVER={SQLite3};DATABASE=" + files::textOf(file) + ";NoCreat=1;";
 }
 
 /// The same on both engines.
@@ -69,34 +69,34 @@ protected:
 };
 
 TEST_P(EngineTest, DeliversValuesOfEachKind) {
-    Recordset rows;
-    rows.Open("SELECT * FROM PR ORDER BY PR_CODE", connection_);
+    data::Recordset rows;
+    rows = connection_.read("SELECT * FROM PR ORDER BY PR_CODE");
     ASSERT_EQ(rows.Fields().size(), 7U);
     EXPECT_EQ(rows.Fields()[1].Name, "PR_NAME");
     EXPECT_EQ(rows.Fields()[1].DefinedSize, 40U);
-    EXPECT_EQ(rows.Fields()[3].Type, DataType::Double);
-    EXPECT_EQ(rows.Fields()[4].Type, DataType::Integer);
-    EXPECT_EQ(rows.Fields()[5].Type, DataType::Binary);
+    EXPECT_EQ(rows.Fields()[3].Type, data::DataType::Double);
+    EXPECT_EQ(rows.Fields()[4].Type, data::DataType::Integer);
+    EXPECT_EQ(rows.Fields()[5].Type, data::DataType::Binary);
     EXPECT_TRUE(rows.Fields()[6].longValue);
-    EXPECT_EQ(rows.Item(5).kind(), Value::Kind::Binary);
+    EXPECT_EQ(rows.Item(5).kind(), data::Value::Kind::Binary);
     EXPECT_EQ(rows.Item(5).bytes(), std::string("\0\xFF", 2));
     EXPECT_EQ(cells(connection_, "SELECT PR_CODE,PR_NAME,BAS_CODE,PR_PRICE,PR_QTY,PR_MEMO FROM PR "
                                  "ORDER BY PR_CODE"),
               "A1|갈비탕 😀|ZO01 |12000.5|7|memo|A2||Null|Null|Null|Null|");
 
-    rows.Open("SELECT PR_CODE FROM PR WHERE PR_CODE = 'none'", connection_);
+    rows = connection_.read("SELECT PR_CODE FROM PR WHERE PR_CODE = 'none'");
     EXPECT_TRUE(rows.Eof());
     EXPECT_EQ(rows.Fields().size(), 1U);
     connection_.Execute("SELECT * FROM PR");
     connection_.Execute("UPDATE PR SET PR_QTY = 1 WHERE PR_CODE = 'none'");
-    rows.Open("UPDATE PR SET PR_QTY = 8 WHERE PR_CODE = 'A1'", connection_);
+    rows = connection_.read("UPDATE PR SET PR_QTY = 8 WHERE PR_CODE = 'A1'");
     EXPECT_TRUE(rows.Fields().empty());
     EXPECT_TRUE(rows.Eof());
     EXPECT_EQ(cells(connection_, "SELECT PR_QTY FROM PR WHERE PR_CODE = 'a1'"), "8|");
 }
 
 TEST_P(EngineTest, KeepsTheRecordsOfTheLatestProviderError) {
-    const Error failure = errorOf([&] { connection_.Execute("SELECT * FROM NOWHERE"); });
+    const data::Error failure = errorOf([&] { connection_.Execute("SELECT * FROM NOWHERE"); });
     EXPECT_THAT(failure.Description(), HasSubstr("no such table: NOWHERE"));
     ASSERT_EQ(connection_.Errors().size(), 1U);
     EXPECT_EQ(connection_.Errors()[0].Description, failure.Description());
@@ -105,7 +105,8 @@ TEST_P(EngineTest, KeepsTheRecordsOfTheLatestProviderError) {
     EXPECT_EQ(connection_.Errors().size(), 1U) << "a success does not clear them";
 
     Connection closed;
-    EXPECT_EQ(errorOf([&] { closed.Execute("SELECT 1"); }).Number(), number::ConnectionClosed);
+    EXPECT_EQ(errorOf([&] { closed.Execute("SELECT 1"); }).Number(),
+              data::number::ConnectionClosed);
     EXPECT_TRUE(closed.Errors().empty());
 
     EXPECT_EQ(sqlStateOf([&] { connection_.Open("DRIVER={No such driver}"); }), "01000");
@@ -117,7 +118,7 @@ TEST_P(EngineTest, RollsBackUnlessCommitted) {
     {
         Transaction transaction(connection_);
         connection_.Execute("UPDATE PR SET PR_NAME = 'changed'");
-        EXPECT_THROW(connection_.Execute("UPDATE NOWHERE SET X = 1"), Error);
+        EXPECT_THROW(connection_.Execute("UPDATE NOWHERE SET X = 1"), data::Error);
     }
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR WHERE PR_NAME = 'changed'"), "0|");
     {
@@ -149,20 +150,20 @@ TEST_P(EngineTest, RunsOneStatementOrNone) {
           std::string("'\0' WHERE PR_CODE = 'A1'", 24), std::string("y's' WHERE PR_CODE = 'A1'"),
           std::string(" WHERE PR_CODE = 'A1'"), std::string("' WHERE PR_CODE = ?")}) {
         const std::string statement = start + end;
-        EXPECT_THROW(connection_.Execute(statement), Error) << statement;
-        EXPECT_THROW(connection_.query(statement), Error) << statement;
+        EXPECT_THROW(connection_.Execute(statement), data::Error) << statement;
+        EXPECT_THROW(connection_.query(statement), data::Error) << statement;
     }
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR WHERE PR_NAME <> 'x'"), "2|");
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR ; \r\n"), "2|");
 }
 
 TEST_P(EngineTest, KeepsTheOneColumnThatIsWanted) {
-    Recordset rows;
-    rows.Open(" SELECT PR_NAME, BAS_CODE, PR_CODE FROM PR ", connection_, "PR_CODE");
+    data::Recordset rows;
+    rows = connection_.read(" SELECT PR_NAME, BAS_CODE, PR_CODE FROM PR ", "PR_CODE");
     ASSERT_EQ(rows.Fields().size(), 1U);
     rows.Find("PR_CODE = 'a2'"); // by the comparison of the column it comes from
     EXPECT_EQ(rows.Eof() ? "not found" : rows.Item(0).toText(), "A2");
-    EXPECT_THROW(rows.Open(" SELECT PR_NAME FROM PR ", connection_, "PR_CODE"), Error);
+    EXPECT_THROW(rows = connection_.read(" SELECT PR_NAME FROM PR ", "PR_CODE"), data::Error);
     EXPECT_FALSE(rows.IsOpen());
 }
 
@@ -230,22 +231,23 @@ TEST_F(EmbeddedStoreTest, GivesEachErrorItsSqlState) {
 
 TEST_F(EmbeddedStoreTest, ComparesAsItsColumnsDo) {
     connection_.Open(embedded(file()));
-    Recordset rows;
-    rows.Open("SELECT PR_CODE, BAS_CODE, PR_NAME, PR_CODE + PR_NAME AS COL0, COUNT(*),"
-              " (SELECT BAS_CODE FROM PR) FROM PR",
-              connection_);
-    std::vector<TextComparison> comparisons;
-    for (const Field& field : rows.Fields())
+    data::Recordset rows;
+    rows =
+        connection_.read("SELECT PR_CODE, BAS_CODE, PR_NAME, PR_CODE + PR_NAME AS COL0, COUNT(*),"
+                         " (SELECT BAS_CODE FROM PR) FROM PR");
+    std::vector<data::TextComparison> comparisons;
+    for (const data::Field& field : rows.Fields())
         comparisons.push_back(field.comparison);
     comparisons.resize(4);
-    EXPECT_THAT(comparisons, ElementsAre(TextComparison::NoCase, TextComparison::RTrim,
-                                         TextComparison::Binary, TextComparison::NoCase));
-    EXPECT_EQ(rows.Fields()[4].Type, DataType::Integer);
+    EXPECT_THAT(comparisons,
+                ElementsAre(data::TextComparison::NoCase, data::TextComparison::RTrim,
+                            data::TextComparison::Binary, data::TextComparison::NoCase));
+    EXPECT_EQ(rows.Fields()[4].Type, data::DataType::Integer);
 
-    rows.Open("SELECT PR_CODE + PR_NAME AS COL0 FROM PR", connection_);
+    rows = connection_.read("SELECT PR_CODE + PR_NAME AS COL0 FROM PR");
     rows.Find(" COL0 = 'a1갈비탕 😀' ");
     EXPECT_FALSE(rows.Eof());
-    rows.Open("SELECT BAS_CODE FROM PR WHERE BAS_CODE = 'ZO01'", connection_);
+    rows = connection_.read("SELECT BAS_CODE FROM PR WHERE BAS_CODE = 'ZO01'");
     EXPECT_EQ(rows.RecordCount(), 1);
     rows.Find("BAS_CODE = 'ZO01'");
     EXPECT_FALSE(rows.Eof());
@@ -267,8 +269,9 @@ TEST_F(EmbeddedStoreTest, RefusesWhatIsNoStoreAndNeverMakesOne) {
           Case{"broken.MDB", header + std::string(4096, 'x'), "cannot be opened"}}) {
         const auto path = folder_ / each.name;
         writeFile(path, each.contents);
-        const Error error = errorOf([&] { connection_.Open(embedded(path)); });
-        EXPECT_THAT(error.Description(), AllOf(HasSubstr(each.complaint), HasSubstr(textOf(path))));
+        const data::Error error = errorOf([&] { connection_.Open(embedded(path)); });
+        EXPECT_THAT(error.Description(),
+                    AllOf(HasSubstr(each.complaint), HasSubstr(files::textOf(path))));
         EXPECT_EQ(connection_.Errors().front().Description, error.Description());
         EXPECT_EQ(tests::readFile(path), each.contents);
     }
@@ -289,7 +292,7 @@ TEST_F(EmbeddedStoreTest, FindsItsFileAsTheConnectionStringSays) {
     connection_.Open(embedded(folder / "food.MDB"));
     connection_.Execute("DELETE FROM PR");
     connection_.Open("driver={MICROSOFT ACCESS DRIVER (*.MDB)};DefaultDir=/nowhere;Dbq=" +
-                     textOf(file()));
+                     files::textOf(file()));
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR"), "2|") << "an absolute Dbq wins";
 }
 
@@ -312,9 +315,9 @@ TEST_F(EmbeddedStoreTest, WaitsForAnotherProgramsLockButNotForEver) {
     const SqliteDatabase other = openRaw(file());
     sqlite3_exec(other.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
     patient.lockCalls = 20;
-    const Error error = errorOf([&] { connection_.BeginTrans(); });
+    const data::Error error = errorOf([&] { connection_.BeginTrans(); });
     EXPECT_EQ(error.Description(), "database is locked");
-    EXPECT_EQ(error.Number(), number::Unspecified);
+    EXPECT_EQ(error.Number(), data::number::Unspecified);
     EXPECT_EQ(patient.lockCalls, 0) << "asked again and again, until it gave up";
     EXPECT_EQ(patient.waitsOver, 1);
     EXPECT_EQ(cells(connection_, "SELECT COUNT(*) FROM PR"), "2|") << "reading goes on";
@@ -370,7 +373,7 @@ TEST_F(EmbeddedStoreTest, ACommitIntoAFileThatIsNoLongerTheStoreIsAnError) {
         connection_.BeginTrans();
         connection_.Execute("DELETE FROM PR");
         change();
-        const Error error = errorOf([&] { connection_.CommitTrans(); });
+        const data::Error error = errorOf([&] { connection_.CommitTrans(); });
         return error.Description();
     };
     EXPECT_EQ(whileOpen([] {}), "no error");

@@ -76,7 +76,7 @@ protected:
         SCOPED_TRACE(query);
         const auto expected = odbc_->query(query);
         const auto actual = engine_->query(query);
-        const FieldList& fields = expected->fields();
+        const data::FieldList& fields = expected->fields();
         EXPECT_EQ(actual->fields().size(), fields.size());
         for (std::size_t i = 0; i < fields.size(); ++i)
             EXPECT_TRUE(actual->fields().at(i) == fields[i]) << fields[i].Name;
@@ -84,13 +84,13 @@ protected:
         while (expected->next()) {
             EXPECT_TRUE(actual->next());
             for (std::size_t i = 0; i < fields.size(); ++i, ++cells) {
-                const Value theirs = expected->value(i), ours = actual->value(i);
+                const data::Value theirs = expected->value(i), ours = actual->value(i);
                 EXPECT_EQ(ours.kind(), theirs.kind()) << fields[i].Name;
                 EXPECT_EQ(ours.toText(), theirs.toText()) << fields[i].Name;
                 if (theirs.borrows() && ours.borrows()) {
                     EXPECT_EQ(ours.bytes(), theirs.bytes()) << fields[i].Name;
                 }
-                if (theirs.kind() == Value::Kind::DateTime) {
+                if (theirs.kind() == data::Value::Kind::DateTime) {
                     EXPECT_EQ(ours.asDateTime(), theirs.asDateTime()) << fields[i].Name;
                 }
             }
@@ -208,8 +208,8 @@ TEST_F(MariaDbEngineTest, TakesTheOptionsOfALogIn) {
     engine.execute("CREATE OR REPLACE TABLE engine_rows (N BIGINT, U BIGINT UNSIGNED)");
     engine.execute("INSERT INTO engine_rows VALUES (-2147483648, 4294967295), (2147483648, 0)");
     const auto cursor = engine.query("SELECT N, U FROM engine_rows");
-    EXPECT_EQ(cursor->fields()[0].Type, DataType::Integer);
-    EXPECT_EQ(cursor->fields()[1].Type, DataType::UnsignedInt);
+    EXPECT_EQ(cursor->fields()[0].Type, data::DataType::Integer);
+    EXPECT_EQ(cursor->fields()[1].Type, data::DataType::UnsignedInt);
     ASSERT_TRUE(cursor->next());
     EXPECT_EQ(cursor->value(0).toText() + " " + cursor->value(1).toText(),
               "-2147483648 4294967295");
@@ -231,7 +231,7 @@ TEST_F(MariaDbEngineTest, EndsAStatementFromAnotherThread) {
             engine_->cancel();
         });
         const auto time = timeOf([&] {
-            const Error error = errorOf([&] {
+            const data::Error error = errorOf([&] {
                 if (how == "rows") {
                     const auto cursor = engine_->query("WITH RECURSIVE S AS (SELECT 1 N UNION ALL "
                                                        "SELECT N + 1 FROM S WHERE N < 300000) "
@@ -353,9 +353,9 @@ TEST_F(MariaDbEngineTest, RefusesWhatTheOdbcEngineRefuses) {
          {"SELEC 1", "SELECT * FROM nowhere", "SELECT nothing FROM engine_rows",
           "INSERT INTO engine_rows VALUES (1); DELETE FROM engine_rows", "SELECT 1; SELECT 2",
           "KILL 4294967295"}) {
-        const Error theirs = errorOf([&] { odbc_->execute(statement); });
+        const data::Error theirs = errorOf([&] { odbc_->execute(statement); });
         for (const bool asQuery : {false, true}) {
-            const Error ours = errorOf([&] {
+            const data::Error ours = errorOf([&] {
                 if (asQuery)
                     engine_->query(statement);
                 else
@@ -382,7 +382,7 @@ TEST_F(MariaDbEngineTest, SaysNothingOfHostsAndAccountsWhenItCannotConnect) {
     const auto connecting = [](const MariaDbLogin& login) {
         return errorOf([&] { MariaDbEngine{login}; });
     };
-    std::vector<Error> errors;
+    std::vector<data::Error> errors;
     MariaDbLogin wrong = login_;
     wrong.password = "no";
     errors.push_back(connecting(wrong));
@@ -404,7 +404,7 @@ TEST_F(MariaDbEngineTest, SaysNothingOfHostsAndAccountsWhenItCannotConnect) {
         wrong.host = host;
         errors.push_back(connecting(wrong));
     }
-    for (const Error& error : errors) {
+    for (const data::Error& error : errors) {
         EXPECT_NE(error.Number(), 0);
         for (const std::string& secret : {login_.host, login_.user, std::string("/"),
                                           std::string("secret"), std::to_string(login_.port)})

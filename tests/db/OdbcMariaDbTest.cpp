@@ -42,50 +42,53 @@ protected:
 struct ColumnCase {
     std::string declaration;
     std::string literal;
-    DataType type;
+    data::DataType type;
     std::string text;
-    Value::Kind kind;
+    data::Value::Kind kind;
 };
 
 TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
-    using Kind = Value::Kind;
+    using Kind = data::Value::Kind;
     const std::vector<ColumnCase> cases = {
-        {"TINYINT", "-128", DataType::TinyInt, "-128", Kind::Integer},
-        {"TINYINT UNSIGNED", "255", DataType::UnsignedTinyInt, "255", Kind::Unsigned},
-        {"SMALLINT", "-32768", DataType::SmallInt, "-32768", Kind::Integer},
-        {"SMALLINT UNSIGNED", "65535", DataType::UnsignedSmallInt, "65535", Kind::Unsigned},
-        {"MEDIUMINT", "-8388608", DataType::Integer, "-8388608", Kind::Integer},
-        {"MEDIUMINT UNSIGNED", "16777215", DataType::UnsignedInt, "16777215", Kind::Unsigned},
-        {"INT", "-2147483648", DataType::Integer, "-2147483648", Kind::Integer},
-        {"INT UNSIGNED", "4294967295", DataType::UnsignedInt, "4294967295", Kind::Unsigned},
-        {"BIGINT", "-9223372036854775808", DataType::BigInt, "-9223372036854775808", Kind::Integer},
-        {"BIGINT UNSIGNED", "18446744073709551615", DataType::UnsignedBigInt,
+        {"TINYINT", "-128", data::DataType::TinyInt, "-128", Kind::Integer},
+        {"TINYINT UNSIGNED", "255", data::DataType::UnsignedTinyInt, "255", Kind::Unsigned},
+        {"SMALLINT", "-32768", data::DataType::SmallInt, "-32768", Kind::Integer},
+        {"SMALLINT UNSIGNED", "65535", data::DataType::UnsignedSmallInt, "65535", Kind::Unsigned},
+        {"MEDIUMINT", "-8388608", data::DataType::Integer, "-8388608", Kind::Integer},
+        {"MEDIUMINT UNSIGNED", "16777215", data::DataType::UnsignedInt, "16777215", Kind::Unsigned},
+        {"INT", "-2147483648", data::DataType::Integer, "-2147483648", Kind::Integer},
+        {"INT UNSIGNED", "4294967295", data::DataType::UnsignedInt, "4294967295", Kind::Unsigned},
+        {"BIGINT", "-9223372036854775808", data::DataType::BigInt, "-9223372036854775808",
+         Kind::Integer},
+        {"BIGINT UNSIGNED", "18446744073709551615", data::DataType::UnsignedBigInt,
          "18446744073709551615", Kind::Unsigned},
-        {"YEAR", "2026", DataType::UnsignedSmallInt, "2026", Kind::Unsigned},
-        {"DECIMAL(12,3)", "-123456789.125", DataType::Numeric, "-123456789.125", Kind::Decimal},
-        {"DECIMAL(38,0)", "99999999999999999999999999999999999999", DataType::Numeric,
+        {"YEAR", "2026", data::DataType::UnsignedSmallInt, "2026", Kind::Unsigned},
+        {"DECIMAL(12,3)", "-123456789.125", data::DataType::Numeric, "-123456789.125",
+         Kind::Decimal},
+        {"DECIMAL(38,0)", "99999999999999999999999999999999999999", data::DataType::Numeric,
          "99999999999999999999999999999999999999", Kind::Decimal},
-        {"FLOAT", "0.1", DataType::Single, "0.1", Kind::Single},
-        {"DOUBLE", "0.1", DataType::Double, "0.1", Kind::Double},
-        {"BIT(1)", "b'1'", DataType::Boolean, "True", Kind::Boolean},
-        {"BIT(8)", "b'01000001'", DataType::Binary, "A", Kind::Binary},
-        {"DATE", "'2024-02-29'", DataType::DBDate, "2024-02-29", Kind::Date},
-        {"TIME", "'23:59:58'", DataType::DBTime, "23:59:58", Kind::Time},
-        {"DATETIME", "'2024-02-29 13:14:15'", DataType::DBTimeStamp, "2024-02-29 13:14:15",
+        {"FLOAT", "0.1", data::DataType::Single, "0.1", Kind::Single},
+        {"DOUBLE", "0.1", data::DataType::Double, "0.1", Kind::Double},
+        {"BIT(1)", "b'1'", data::DataType::Boolean, "True", Kind::Boolean},
+        {"BIT(8)", "b'01000001'", data::DataType::Binary, "A", Kind::Binary},
+        {"DATE", "'2024-02-29'", data::DataType::DBDate, "2024-02-29", Kind::Date},
+        {"TIME", "'23:59:58'", data::DataType::DBTime, "23:59:58", Kind::Time},
+        {"DATETIME", "'2024-02-29 13:14:15'", data::DataType::DBTimeStamp, "2024-02-29 13:14:15",
          Kind::DateTime},
-        {"TIMESTAMP NULL", "'2024-02-29 13:14:15'", DataType::DBTimeStamp, "2024-02-29 13:14:15",
-         Kind::DateTime},
-        {"CHAR(10)", "'한글'", DataType::WChar, "한글", Kind::Text},
-        {"VARCHAR(4)", "'😀😀😀😀'", DataType::WChar, "😀😀😀😀", Kind::Text},
-        {"ENUM('a','나')", "'나'", DataType::WChar, "나", Kind::Text},
-        {"SET('x','y')", "'x,y'", DataType::WChar, "x,y", Kind::Text},
-        {"TINYTEXT", "'짧은 글'", DataType::WChar, "짧은 글", Kind::Text},
-        {"BINARY(3)", "'abc'", DataType::Binary, "abc", Kind::Binary},
-        {"VARBINARY(10)", "x'FF00'", DataType::Binary, std::string("\xFF\0", 2), Kind::Binary},
+        {"TIMESTAMP NULL", "'2024-02-29 13:14:15'", data::DataType::DBTimeStamp,
+         "2024-02-29 13:14:15", Kind::DateTime},
+        {"CHAR(10)", "'한글'", data::DataType::WChar, "한글", Kind::Text},
+        {"VARCHAR(4)", "'😀😀😀😀'", data::DataType::WChar, "😀😀😀😀", Kind::Text},
+        {"ENUM('a','나')", "'나'", data::DataType::WChar, "나", Kind::Text},
+        {"SET('x','y')", "'x,y'", data::DataType::WChar, "x,y", Kind::Text},
+        {"TINYTEXT", "'짧은 글'", data::DataType::WChar, "짧은 글", Kind::Text},
+        {"BINARY(3)", "'abc'", data::DataType::Binary, "abc", Kind::Binary},
+        {"VARBINARY(10)", "x'FF00'", data::DataType::Binary, std::string("\xFF\0", 2),
+         Kind::Binary},
         // From here on without a bound: fetched cell by cell.
-        {"TEXT", "'글'", DataType::WChar, "글", Kind::Text},
-        {"MEDIUMTEXT", "'중간 글'", DataType::WChar, "중간 글", Kind::Text},
-        {"BLOB", "x'00FF'", DataType::Binary, std::string("\0\xFF", 2), Kind::Binary},
+        {"TEXT", "'글'", data::DataType::WChar, "글", Kind::Text},
+        {"MEDIUMTEXT", "'중간 글'", data::DataType::WChar, "중간 글", Kind::Text},
+        {"BLOB", "x'00FF'", data::DataType::Binary, std::string("\0\xFF", 2), Kind::Binary},
     };
     // Once in bound blocks, once with the long columns among them.
     for (const std::size_t count : {cases.size() - 3, cases.size()}) {
@@ -98,8 +101,8 @@ TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
         create(columns);
         connection_.Execute("INSERT INTO engine_test VALUES (" + values + ")");
         connection_.Execute("INSERT INTO engine_test (N) VALUES (2)");
-        Recordset rows;
-        rows.Open("SELECT * FROM engine_test ORDER BY N", connection_);
+        data::Recordset rows;
+        rows = connection_.read("SELECT * FROM engine_test ORDER BY N");
         EXPECT_FALSE(rows.Fields()[0].nullable);
         for (std::size_t i = 0; i < count; ++i) {
             EXPECT_EQ(rows.Fields()[i + 1].Type, cases[i].type) << cases[i].declaration;
@@ -155,9 +158,9 @@ TEST_F(OdbcMariaDbTest, ReadsBlocksOfEveryBoundTypeAsTheServerPrintsThem) {
         connection_.Execute("INSERT INTO engine_test WITH RECURSIVE S AS (SELECT 1 N UNION ALL "
                             "SELECT N + 1 FROM S WHERE N < 700) SELECT N, IF(N % 7 < 2, NULL, " +
                             std::string(c.value) + ") FROM S");
-        Recordset rows, texts;
-        rows.Open("SELECT C FROM engine_test ORDER BY N", connection_);
-        texts.Open("SELECT " + std::string(c.text) + " FROM engine_test ORDER BY N", connection_);
+        data::Recordset rows, texts;
+        rows = connection_.read("SELECT C FROM engine_test ORDER BY N");
+        texts = connection_.read("SELECT " + std::string(c.text) + " FROM engine_test ORDER BY N");
         int n = 1;
         for (; !rows.Eof(); ++n, rows.MoveNext(), texts.MoveNext()) {
             const bool null = n % 7 < 2;
@@ -184,8 +187,8 @@ TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
     connection_.Execute("INSERT INTO engine_test VALUES (2,'끝','" + longText + "')");
 
     for (const std::string columns : {"C", "C,L"}) { // in blocks, and cell by cell
-        Recordset rows;
-        rows.Open("SELECT " + columns + " FROM engine_test WHERE N = 1", connection_);
+        data::Recordset rows;
+        rows = connection_.read("SELECT " + columns + " FROM engine_test WHERE N = 1");
         for (const std::string& text : texts) {
             for (std::size_t column = 0; column < rows.Fields().size(); ++column)
                 EXPECT_EQ(rows.Item(column).toText(), text) << columns;
@@ -196,7 +199,7 @@ TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
     try {
         connection_.Execute("SELECT 1 FROM `행동 (하동)`");
         ADD_FAILURE() << "no such table";
-    } catch (const Error& error) {
+    } catch (const data::Error& error) {
         EXPECT_THAT(error.Description(), testing::HasSubstr("행동 (하동)' doesn't exist"));
     }
 }
@@ -215,8 +218,8 @@ TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
     create("D DECIMAL(12,3), T DATETIME(3), V VARCHAR(20) NOT NULL, L MEDIUMTEXT");
     connection_.Execute(
         "INSERT INTO engine_test VALUES (1.5, '2024-02-29 13:14:15.678', '', NULL)");
-    Recordset rows;
-    rows.Open("SELECT D, T, V, L FROM engine_test", connection_);
+    data::Recordset rows;
+    rows = connection_.read("SELECT D, T, V, L FROM engine_test");
     EXPECT_EQ(rows.Fields()[0].Precision, 12);
     EXPECT_EQ(rows.Fields()[0].NumericScale, 3);
     EXPECT_TRUE(rows.Fields()[0].fixedLength);
@@ -242,22 +245,21 @@ TEST_F(OdbcMariaDbTest, ReadsZeroDatesAsNullAndOddTimesNotAtAll) {
     connection_.Execute("INSERT INTO engine_test VALUES (0, 0, '2024-00-00', '100:00:00')");
     EXPECT_EQ(cells(connection_, "SELECT D, T, P, IF(D = '0000-00-00', '', D) FROM engine_test"),
               "Null|Null|Null||");
-    EXPECT_THROW(cells(connection_, "SELECT O FROM engine_test"), Error);
+    EXPECT_THROW(cells(connection_, "SELECT O FROM engine_test"), data::Error);
     EXPECT_FALSE(connection_.Errors().empty());
 }
 
 TEST_F(OdbcMariaDbTest, KnowsWhereANullCanComeFromANotNullColumn) {
     create("a INT NOT NULL, b VARCHAR(5) NOT NULL, c DATETIME NOT NULL");
     connection_.Execute("INSERT INTO engine_test VALUES (1, '', '0000-00-00 00:00:00')");
-    Recordset rows;
-    rows.Open("SELECT x.a, x.b, x.c, y.a, y.b, y.c FROM engine_test x "
-              "LEFT JOIN engine_test y ON y.a = x.a + 1",
-              connection_);
+    data::Recordset rows;
+    rows = connection_.read("SELECT x.a, x.b, x.c, y.a, y.b, y.c FROM engine_test x "
+                            "LEFT JOIN engine_test y ON y.a = x.a + 1");
     ASSERT_EQ(rows.RecordCount(), 1);
     // Declared not nullable, such a Null would break the reply in which it travels.
     for (std::size_t column = 0; column < rows.Fields().size(); ++column)
         EXPECT_TRUE(rows.Fields()[column].nullable || !rows.Item(column).isNull()) << column;
-    EXPECT_EQ(rows.Item(1).kind(), Value::Kind::Text);
+    EXPECT_EQ(rows.Item(1).kind(), data::Value::Kind::Text);
     EXPECT_TRUE(rows.Item(2).isNull());
     EXPECT_TRUE(rows.Item(4).isNull());
 }

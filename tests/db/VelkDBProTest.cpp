@@ -1,7 +1,7 @@
 #include "db/VelkDBPro.h"
 
-#include "db/Paths.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 #include "tests/support/TempFolder.h"
 
 #include <gmock/gmock.h>
@@ -54,7 +54,7 @@ protected:
 
     std::string connectionString(const std::string& file) const {
         return "PROVIDER=MSDataShape;Driver={Microsoft Access Driver (*.mdb)};Dbq=" + file +
-               ";DefaultDir=" + textOf(folder_.path()) + ";Uid=Admin;pwd=tavro5531";
+               ";DefaultDir=" + files::textOf(folder_.path()) + ";Uid=Admin;pwd=tavro5531";
     }
 
     void putData(const StatementArray& SQL, const GroupCounts& CNT) {
@@ -82,8 +82,9 @@ protected:
 
     TempFolder folder_;
     Screen screen_;
-    VelkDBPro store_{DailyLog(folder_.path(), [] { return DateTime{2026, 11, 15, 10, 10, 44}; }),
-                     [this] { screen_.steps.emplace_back("yield"); }};
+    VelkDBPro store_{
+        logs::DailyLog(folder_.path(), [] { return data::DateTime{2026, 11, 15, 10, 10, 44}; }),
+        [this] { screen_.steps.emplace_back("yield"); }};
 };
 
 TEST_F(VelkDBProTest, ShowsGroupsBarsAndCounters) {
@@ -124,7 +125,7 @@ TEST_F(VelkDBProTest, RollsAFailedBatchBackAndLogsItsStatement) {
 
 TEST_F(VelkDBProTest, StaysSafeWhereTheLogFolderCannotBeMadeAndWhereCountsOverflow) {
     std::filesystem::create_directory(folder_ / "gone");
-    VelkDBPro store(DailyLog(folder_ / "gone"), [] {});
+    VelkDBPro store(logs::DailyLog(folder_ / "gone"), [] {});
     store.DBOpen(connectionString("food.MDB"));
     std::filesystem::remove(folder_ / "gone");
     store.PUT_DATA({"", insert("1"), "nonsense"}, 1, screen_.PBarT, screen_.PBar1, screen_.LBLT,
@@ -157,7 +158,7 @@ TEST_F(VelkDBProTest, BatchesWithoutDisplay) {
 
 TEST_F(VelkDBProTest, ACommitThatFailsLeavesTheConnectionUsable) {
     sqlite3* pointOfSale = nullptr; // reads, so that nothing can be committed
-    sqlite3_open(textOf(folder_ / "food.MDB").c_str(), &pointOfSale);
+    sqlite3_open(files::textOf(folder_ / "food.MDB").c_str(), &pointOfSale);
     sqlite3_exec(pointOfSale, "BEGIN; SELECT * FROM PROP", nullptr, nullptr, nullptr);
     std::string unread;
     store_.PUT_DATA_TABLE({"", insert("1")}, 0, unread);
@@ -203,7 +204,7 @@ TEST_F(VelkDBProTest, ErrorTextsOfReadsPileUpUntilAnOperationCompletes) {
 }
 
 TEST_F(VelkDBProTest, AStoreThatDidNotOpenFailsEveryOperation) {
-    VelkDBPro store(DailyLog(folder_.path()), [] {});
+    VelkDBPro store(logs::DailyLog(folder_.path()), [] {});
     store.DBOpen(connectionString("missing.MDB"));
     EXPECT_EQ(store.Status(), 0);
     EXPECT_THAT(store.errorText(), HasSubstr("missing.MDB"));

@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/Call.h"
 #include "rds/VariantCodec.h"
 #include "tests/fuzz/Finding.h"
@@ -30,7 +30,7 @@ std::optional<std::string> contentOf(std::string_view body, std::size_t argument
         if (reply.result)
             rds::encodeValue(*reply.result, content);
         return content.take();
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         if (error.Number() == 0)
             fuzz::finding("an error has the number of success");
         return std::nullopt;

@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/Call.h"
 #include "rds/VariantCodec.h"
 #include "tests/fuzz/Finding.h"
@@ -29,7 +29,7 @@ std::optional<rds::Call> read(std::string_view path, std::string_view body) {
 std::optional<std::string> write(const rds::Call& call) {
     try {
         return rds::encodeCall(call);
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         return std::nullopt; // a recordset with a number that its column cannot hold
     }
 }

@@ -17,8 +17,8 @@
 namespace {
 
 using namespace quillet;
-using db::DataType;
-using db::Value;
+using data::DataType;
+using data::Value;
 using tests::RowsCursor;
 namespace vectors = tests::vectors;
 
@@ -86,8 +86,8 @@ constexpr std::array Types{DataType::SmallInt,
                            DataType::DBTime,
                            DataType::DBTimeStamp};
 
-db::Field field(DataType type, std::uint32_t size, bool nullable, bool fixedLength) {
-    db::Field result;
+data::Field field(DataType type, std::uint32_t size, bool nullable, bool fixedLength) {
+    data::Field result;
     result.Name = "C";
     result.Type = type;
     result.DefinedSize = size;
@@ -96,7 +96,7 @@ db::Field field(DataType type, std::uint32_t size, bool nullable, bool fixedLeng
     return result;
 }
 
-std::string tablegram(const db::FieldList& fields, std::vector<RowsCursor::Row> rows) {
+std::string tablegram(const data::FieldList& fields, std::vector<RowsCursor::Row> rows) {
     std::string bytes;
     rds::TablegramWriter writer([&bytes](std::string_view piece) { bytes += piece; },
                                 rds::describe(fields));
@@ -110,11 +110,11 @@ std::string tablegram(const db::FieldList& fields, std::vector<RowsCursor::Row> 
 std::vector<std::string> tablegrams() {
     std::vector<std::string> result;
     for (const bool nullable : {false, true}) {
-        db::FieldList all;
+        data::FieldList all;
         RowsCursor::Row full;
         for (const DataType type : Types) {
             for (const std::uint32_t size : {20U, 300U}) {
-                const db::Field one = field(type, size, nullable, size == 20);
+                const data::Field one = field(type, size, nullable, size == 20);
                 const Value value = valueFor(type);
                 RowsCursor::Row other{nullable ? Value() : value};
                 result.push_back(tablegram({one}, {{value}, other}));
@@ -125,8 +125,8 @@ std::vector<std::string> tablegrams() {
         result.push_back(tablegram(all, {full, nullable ? RowsCursor::Row(all.size()) : full}));
     }
     // Rows that are as small as they can be, so that memory is mostly what is kept about them.
-    const db::Field byte = field(DataType::UnsignedTinyInt, 1, false, true);
-    const db::Field none = field(DataType::UnsignedTinyInt, 1, true, true);
+    const data::Field byte = field(DataType::UnsignedTinyInt, 1, false, true);
+    const data::Field none = field(DataType::UnsignedTinyInt, 1, true, true);
     result.push_back(tablegram({byte}, std::vector<RowsCursor::Row>(8000, {Value::integer(1)})));
     result.push_back(tablegram({none}, std::vector<RowsCursor::Row>(8000, {Value()})));
     return result;

@@ -1,4 +1,4 @@
-#include "db/Utf16.h"
+#include "data/Utf16.h"
 #include "headoffice/admin/Activity.h"
 #include "headoffice/admin/AdminSite.h"
 #include "headoffice/admin/HealthKeeper.h"
@@ -78,7 +78,7 @@ TEST(AdminSite, ShowsHostileTextAsTextAndNothingElse) {
         const auto hostile = siteThatHeard(evil);
         const std::string page = hostile->answer("GET", "/", "[::1]:9180").body;
         EXPECT_EQ(tags(page), tags(harmless->answer("GET", "/", "localhost").body));
-        EXPECT_EQ(db::toUtf8(db::toUtf16(page)), page) << "is not well-formed";
+        EXPECT_EQ(data::toUtf8(data::toUtf16(page)), page) << "is not well-formed";
         for (const char* unseen :
              {"\r", "\x01", "\x1b", "\x7f", "\xc2\x85", "\xd8\x9c", "\xe2\x80\xae", "\xe2\x81\xa6",
               "\xf3\xa0\x81\x81", "\xef\xbf\xbe", "geheim", "<script", "\" onload", "' onload",
@@ -90,7 +90,7 @@ TEST(AdminSite, ShowsHostileTextAsTextAndNothingElse) {
             const std::string model = harmless->answer("GET", path, "127.0.0.1").body;
             EXPECT_EQ(std::count(plain.begin(), plain.end(), '\n'),
                       std::count(model.begin(), model.end(), '\n'));
-            EXPECT_EQ(db::toUtf8(db::toUtf16(plain)), plain) << "is not well-formed";
+            EXPECT_EQ(data::toUtf8(data::toUtf16(plain)), plain) << "is not well-formed";
         }
     }
     // Neither a whole text nor half a character.

@@ -1,7 +1,7 @@
 // What strangers may say to the server: statements, connection strings, and what an administrator
 // may say on its command line.
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "headoffice/Options.h"
 #include "headoffice/database/DatabaseAccess.h"
 #include "headoffice/guards/QueryGuard.h"
@@ -43,7 +43,7 @@ TEST(QueryGuard, LetsQueriesPassAndNothingElse) {
           "SELECT '\\', 1 INTO OUTFILE '/tmp/x' -- '", "SELECT NEXT VALUE FOR S",
           "SELECT GET_LOCK('x', 9)"})
         EXPECT_EQ(tests::errorOf([&] { headoffice::requireQuery(statement); }).Number(),
-                  db::number::CommandText)
+                  data::number::CommandText)
             << statement;
 }
 
@@ -74,7 +74,7 @@ TEST(WriteGuard, LetsTheVersionReportPassAndNothingElse) {
           "UPDATE SHELF SET A = 1 /*! , B = 2 */ WHERE C = '1'",
           "UPDATE SHELF SET A = 1 WHERE C = '1'; DROP TABLE POS"})
         EXPECT_EQ(tests::errorOf([&] { guard.require(statement); }).Number(),
-                  db::number::CommandText)
+                  data::number::CommandText)
             << statement;
 }
 
@@ -112,11 +112,12 @@ TEST(DatabaseAccess, TakesNothingFromAConnectionStringButWhatItKnows) {
                                    "DATABASE=CHAIN",
                                    "DATABASE=",
                                    "OPTION=-1"})
-        EXPECT_THROW(access.loginOf(part + ";SERVER=db.example;DATABASE=chain"), db::Error) << part;
+        EXPECT_THROW(access.loginOf(part + ";SERVER=db.example;DATABASE=chain"), data::Error)
+            << part;
 
     const DatabaseAccess unlisted({}, driver);
     EXPECT_NO_THROW(unlisted.loginOf("SERVER=127.0.0.1;PORT=9;DATABASE=any"));
-    EXPECT_THROW(unlisted.loginOf("SERVER=db.example;DATABASE=any"), db::Error);
+    EXPECT_THROW(unlisted.loginOf("SERVER=db.example;DATABASE=any"), data::Error);
 }
 
 TEST(Options, ReadsTheCommandLineAndTheFile) {
@@ -168,8 +169,8 @@ TEST(Options, ReadsTheCommandLineAndTheFile) {
              {"--config", (folder / "none.conf").string()},
              {"--wrong"},
              {"stray"}}) {
-        const db::Error error = tests::errorOf([&] { headoffice::parseOptions(wrong); });
-        EXPECT_EQ(error.Number(), db::number::InvalidArgument) << testing::PrintToString(wrong);
+        const data::Error error = tests::errorOf([&] { headoffice::parseOptions(wrong); });
+        EXPECT_EQ(error.Number(), data::number::InvalidArgument) << testing::PrintToString(wrong);
         EXPECT_EQ(error.Description().find('\n'), std::string::npos) << error.Description();
     }
 }

@@ -45,7 +45,7 @@ protected:
         office_->sql("INSERT INTO POS (RCT_CODE, POS_ID) VALUES ('1000', '01')");
     }
 
-    db::Recordset getsql(std::string sql, const std::string& progId = "quorin.data") {
+    data::Recordset getsql(std::string sql, const std::string& progId = "quorin.data") {
         rds::Variant information;
         std::string connection = connection_;
         return remote(progId).Getsql(sql, 0, 1, information, connection);
@@ -77,11 +77,11 @@ protected:
 };
 
 TEST_F(HeadOfficeTest, ReturnsTheRowsOfAQuery) {
-    const db::Recordset empty = getsql("SELECT * FROM SHELF WHERE LVL = 99");
+    const data::Recordset empty = getsql("SELECT * FROM SHELF WHERE LVL = 99");
     EXPECT_EQ(empty.RecordCount(), 0);
     EXPECT_EQ(empty.Fields().size(), 3U);
 
-    db::Recordset rows = getsql("SELECT CODE, NAME, LVL FROM SHELF ORDER BY CODE");
+    data::Recordset rows = getsql("SELECT CODE, NAME, LVL FROM SHELF ORDER BY CODE");
     ASSERT_EQ(rows.RecordCount(), 3);
     EXPECT_EQ(rows.Fields()[1].Name, "NAME");
     EXPECT_EQ(rows.Item(1).toText(), "한글 이름");
@@ -176,7 +176,7 @@ TEST_F(HeadOfficeTest, WritesWhatCountersWriteAllOrNone) {
     EXPECT_TRUE(putsql({"", "UPDATE SHELF SET LVL = 5 WHERE CODE = 'A1'"}));
     EXPECT_EQ(getsql("SELECT LVL FROM SHELF WHERE CODE = 'A1'", "other.name").Item(0).toText(),
               "5");
-    EXPECT_THROW(getsql("SELECT 1"), db::Error);
+    EXPECT_THROW(getsql("SELECT 1"), data::Error);
 }
 
 TEST_F(HeadOfficeTest, TakesAnyArrayOfStatements) {
@@ -204,7 +204,7 @@ TEST_F(HeadOfficeTest, TakesAnyArrayOfStatements) {
 TEST_F(HeadOfficeTest, LeavesNothingOfACallerToTheNext) {
     EXPECT_EQ(getsql("SELECT @mine := 'secret' , CONNECTION_ID()").Item(0).toText(), "secret");
     const std::string first = getsql("SELECT CONNECTION_ID()").Item(0).toText();
-    db::Recordset next = getsql("SELECT CONNECTION_ID(), @mine, @@in_transaction");
+    data::Recordset next = getsql("SELECT CONNECTION_ID(), @mine, @@in_transaction");
     EXPECT_EQ(next.Item(0).toText(), first) << "sessions are to be lent again";
     EXPECT_TRUE(next.Item(1).isNull());
     office_->sql("KILL " + first);
@@ -212,7 +212,7 @@ TEST_F(HeadOfficeTest, LeavesNothingOfACallerToTheNext) {
         << "a session that the database has closed is nobody's failure";
     // Another password is another session, however idle this one is.
     connection_.replace(connection_.find("PWD=mq5307"), 10, "PWD=wrong-5");
-    EXPECT_THROW(getsql("SELECT 1"), db::Error);
+    EXPECT_THROW(getsql("SELECT 1"), data::Error);
 }
 
 TEST_F(HeadOfficeTest, EndsQueriesThatNobodyWaitsForOrThatTakeTooLong) {
@@ -235,7 +235,7 @@ TEST_F(HeadOfficeTest, EndsQueriesThatNobodyWaitsForOrThatTakeTooLong) {
                         rds::Variant::string(connection_)},
                        rds::newBoundary()};
         EXPECT_THROW(impatient.post(office_->address(), rds::callPath(call), rds::encodeCall(call)),
-                     db::Error);
+                     data::Error);
     }
     EXPECT_EQ(until("0"), "0");
 

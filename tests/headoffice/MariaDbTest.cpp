@@ -1,6 +1,6 @@
 // Rows of the real database, fetched through the wire and directly: they must be the same.
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "rds/DataSpace.h"
 #include "tests/support/TestHeadOffice.h"
 
@@ -21,7 +21,7 @@ protected:
         headOffice_ = std::make_unique<TestHeadOffice>();
     }
 
-    db::Recordset remotely(std::string sql) {
+    data::Recordset remotely(std::string sql) {
         rds::Variant unread;
         std::string connection = headOffice_->connectionString();
         return rds::DataSpace()
@@ -33,15 +33,15 @@ protected:
     std::size_t compare(const std::string& sql) {
         db::Connection connection;
         connection.Open(headOffice_->connectionString());
-        db::Recordset direct;
-        direct.Open(sql, connection);
-        db::Recordset remote = remotely(sql);
+        data::Recordset direct;
+        direct = connection.read(sql);
+        data::Recordset remote = remotely(sql);
         EXPECT_EQ(remote.RecordCount(), direct.RecordCount()) << sql;
         EXPECT_EQ(remote.Fields().size(), direct.Fields().size()) << sql;
         std::size_t cells = 0;
         for (; !direct.Eof() && !remote.Eof(); direct.MoveNext(), remote.MoveNext())
             for (std::size_t column = 0; column < direct.Fields().size(); ++column, ++cells) {
-                const db::Value &expected = direct.Item(column), &value = remote.Item(column);
+                const data::Value &expected = direct.Item(column), &value = remote.Item(column);
                 SCOPED_TRACE(sql + ", " + direct.Fields()[column].Name);
                 EXPECT_EQ(remote.Fields()[column].Name, direct.Fields()[column].Name);
                 EXPECT_EQ(value.isNull(), expected.isNull());

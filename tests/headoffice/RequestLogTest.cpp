@@ -11,7 +11,7 @@ using namespace quillet;
 
 TEST(RequestLog, WritesOneLineWithoutPasswords) {
     std::ostringstream out;
-    headoffice::RequestLog log(out, [] { return db::DateTime{2024, 5, 1, 9, 8, 7, 0}; });
+    headoffice::RequestLog log(out, [] { return data::DateTime{2024, 5, 1, 9, 8, 7, 0}; });
     rds::CallRecord record;
     record.peer = "127.0.0.1:50012";
     record.target = "quorin.data.Getsql";

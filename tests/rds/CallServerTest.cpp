@@ -28,36 +28,36 @@ using ::testing::Not;
 using ::testing::StartsWith;
 
 /// Rows of 1,000 characters until it fails.
-class FailingCursor : public db::Cursor {
+class FailingCursor : public data::Cursor {
 public:
     explicit FailingCursor(int rows) : left_(rows) { fields_[0].DefinedSize = 1000; }
 
-    const db::FieldList& fields() const override { return fields_; }
-    db::Value value(std::size_t) const override { return db::Value::text(text_); }
+    const data::FieldList& fields() const override { return fields_; }
+    data::Value value(std::size_t) const override { return data::Value::text(text_); }
     bool next() override {
-        return left_-- > 0 ? true : throw db::providerError("42S02", "the table went away");
+        return left_-- > 0 ? true : throw data::providerError("42S02", "the table went away");
     }
 
 private:
-    db::FieldList fields_{1};
+    data::FieldList fields_{1};
     std::string text_ = std::string(1000, 'x');
     int left_;
 };
 
 /// Rows of 1,000 characters that counts how many have been taken.
-class CountedCursor : public db::Cursor {
+class CountedCursor : public data::Cursor {
 public:
     CountedCursor(int rows, std::atomic<int>& taken) : rows_(rows), taken_(taken) {
         fields_[0].DefinedSize = 1000;
-        fields_[0].Type = db::DataType::Char;
+        fields_[0].Type = data::DataType::Char;
     }
 
-    const db::FieldList& fields() const override { return fields_; }
-    db::Value value(std::size_t) const override { return db::Value::text(text_); }
+    const data::FieldList& fields() const override { return fields_; }
+    data::Value value(std::size_t) const override { return data::Value::text(text_); }
     bool next() override { return ++taken_ <= rows_; }
 
 private:
-    db::FieldList fields_{1};
+    data::FieldList fields_{1};
     std::string text_ = std::string(1000, 'x');
     int rows_;
     std::atomic<int>& taken_;

@@ -96,7 +96,7 @@ TEST(Call, RequestsAreReadAndWrittenByteForByte) {
     EXPECT_EQ(execute.arguments[2], Variant::string("Select top 1 * from Publishers"));
     EXPECT_EQ(execute.arguments[8], Variant(std::int32_t{1033}));
     EXPECT_THROW(encodeCall({"some.object", "Ping", std::vector<Variant>(1024), Boundary}),
-                 db::Error);
+                 data::Error);
 }
 
 TEST(Call, MalformedRequestsAreRefusedAsSuch) {
@@ -196,7 +196,7 @@ TEST(Call, FailedCallsRaiseTheServersError) {
         {failed(0x00000001, 0), 0x00000001, "The remote call failed (0x00000001)."},
     };
     for (const Case& c : cases) {
-        const db::Error error = tests::errorOf([&] { decodeReply(c.body, 5); });
+        const data::Error error = tests::errorOf([&] { decodeReply(c.body, 5); });
         EXPECT_EQ(error.Number(), static_cast<std::int32_t>(c.number));
         EXPECT_EQ(error.Description(), c.description);
     }
@@ -210,7 +210,7 @@ TEST(Call, NoPartOfACutReplyIsUsed) {
         {vectors::synchronizeReply(), 7}};
     for (const auto& [body, arguments] : replies) {
         for (std::size_t size = 0; size < body.size(); ++size)
-            ASSERT_EQ(errorOf(body.substr(0, size), arguments), db::number::Unspecified)
+            ASSERT_EQ(errorOf(body.substr(0, size), arguments), data::number::Unspecified)
                 << size << " of " << body.size();
     }
 }
@@ -230,7 +230,7 @@ TEST(Call, ItsFirstLineMayStandInTheHttpHead) {
                           0)
                     << size << " of " << parts.size();
         }
-        EXPECT_EQ(errorOf(body.substr(body.find("--")), arguments), db::number::Unspecified);
+        EXPECT_EQ(errorOf(body.substr(body.find("--")), arguments), data::number::Unspecified);
         EXPECT_NO_THROW(decodeReply(body, arguments, "text/html")) << "what most servers say";
     }
 }
@@ -283,9 +283,9 @@ TEST(Call, ContradictionsInAReplyAreErrors) {
         "<html>The page cannot be displayed</html>\r\n",
     };
     for (std::size_t i = 0; i < wrong.size(); ++i)
-        EXPECT_EQ(errorOf(wrong[i], 5), db::number::Unspecified) << i;
-    EXPECT_EQ(errorOf(body, 4), db::number::Unspecified) << "of another call";
-    EXPECT_EQ(errorOf(replyOf(Boundary, {SqlId}, Variant(true)), 0), db::number::Unspecified);
+        EXPECT_EQ(errorOf(wrong[i], 5), data::number::Unspecified) << i;
+    EXPECT_EQ(errorOf(body, 4), data::number::Unspecified) << "of another call";
+    EXPECT_EQ(errorOf(replyOf(Boundary, {SqlId}, Variant(true)), 0), data::number::Unspecified);
     EXPECT_EQ(errorOf(body + "\r\n--behind", 5), 0);
 }
 
@@ -305,8 +305,8 @@ TEST(Call, DataMayLookLikeADelimiter) {
     EXPECT_EQ(reply.result, Variant(array));
 }
 
-using db::DataType;
-using db::Value;
+using data::DataType;
+using data::Value;
 
 /// Adds a column of the only table.
 void add(TablegramMetadata& metadata, const char* name, DataType type, std::uint32_t size,
@@ -382,7 +382,7 @@ TEST(Call, RecordsetRepliesAreReadAndWrittenByteForByte) {
     for (const Case& c : cases) {
         const Reply reply = decodeReply(c.body, c.arguments.size());
         EXPECT_EQ(reply.arguments, c.arguments);
-        db::Recordset& rows = *std::get<Dispatch>(*reply.result).recordset;
+        data::Recordset& rows = *std::get<Dispatch>(*reply.result).recordset;
         ASSERT_EQ(static_cast<std::size_t>(rows.RecordCount()), c.rows.size());
         for (const RowsCursor::Row& expected : c.rows) {
             for (std::size_t i = 0; i < expected.size(); ++i) {

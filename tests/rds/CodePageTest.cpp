@@ -1,6 +1,6 @@
 #include "rds/tablegram/CodePage.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "tests/support/Hex.h"
 
 #include <gmock/gmock.h>
@@ -48,7 +48,7 @@ TEST(CodePage, NeverFailsOnWhatCannotBeConverted) {
     EXPECT_EQ(toUtf8(korean, bytes("C7D1 FF 'a'")), "한\xEF\xBF\xBD"
                                                     "a");
     EXPECT_EQ(toUtf8(korean, bytes("'a' C7")), "a\xEF\xBF\xBD") << "half a character at the end";
-    EXPECT_THROW(toUtf8(CodePage(7), bytes("C7D1")), quillet::db::Error);
+    EXPECT_THROW(toUtf8(CodePage(7), bytes("C7D1")), quillet::data::Error);
 }
 
 } // namespace

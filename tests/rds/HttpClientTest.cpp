@@ -33,7 +33,7 @@ rds::HttpClient impatientClient() {
 /// The description of the error 462 that a call must end with.
 std::string failureOf(const std::string& server, rds::HttpClient client = impatientClient(),
                       const std::string& body = "body") {
-    const db::Error error = tests::errorOf([&] { client.post(server, Path, body); });
+    const data::Error error = tests::errorOf([&] { client.post(server, Path, body); });
     EXPECT_EQ(error.Number(), 462);
     return error.Description();
 }
@@ -260,12 +260,12 @@ TEST(HttpClient, EndsACallAtOnceWhenItsCallerSaysSo) {
         });
         int left = c.questions;
         rds::HttpClient client({}, [&left] { return left-- > 0; });
-        db::Error error(0, "");
+        data::Error error(0, "");
         const auto time = timeOf([&] {
             error = tests::errorOf(
                 [&] { client.post(c.host + server.port(), Path, sending ? large : "body"); });
         });
-        EXPECT_EQ(error.Number(), db::number::Canceled);
+        EXPECT_EQ(error.Number(), data::number::Canceled);
         EXPECT_EQ(error.Description(), "The call was ended.");
         EXPECT_LT(time, 1s);
         EXPECT_EQ(left, -1) << "asked again after the end";
@@ -298,7 +298,7 @@ TEST(HttpClient, LetsItsCallerRefuseAReplyByItsBeginning) {
     const auto check = [&seen](const rds::HttpAnswer& soFar) {
         seen.push_back(soFar.contentType + ' ' + soFar.body.substr(0, 2));
         if (soFar.body.size() > 1)
-            throw db::Error(5, "odd");
+            throw data::Error(5, "odd");
         return false;
     };
     EXPECT_EQ(

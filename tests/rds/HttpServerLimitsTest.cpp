@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/HttpServer.h"
 #include "tests/support/Errors.h"
 #include "tests/support/Eventually.h"
@@ -164,7 +164,7 @@ TEST(HttpServerLimits, RepliesThatAreNotTakenHaveAnEnd) {
                              try {
                                  for (;;)
                                      reply.write(piece);
-                             } catch (const db::Error& error) {
+                             } catch (const data::Error& error) {
                                  (request.target == "/stuck" ? stuck : dripping)
                                      .set_value(std::to_string(error.Number()) + ' ' +
                                                 error.Description());

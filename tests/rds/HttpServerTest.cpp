@@ -1,6 +1,6 @@
 #include "rds/http/HttpServer.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/HttpClient.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/Gate.h"
@@ -42,7 +42,7 @@ void echo(const rds::HttpRequest& request, rds::HttpReply& reply) {
 std::string post(const std::string& server, const std::string& path = "/") {
     try {
         return rds::HttpClient({.connect = 2s, .quiet = 5s}).post(server, path, "body").body;
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         return std::to_string(error.Number()) + ' ' + error.Description();
     }
 }
@@ -124,7 +124,8 @@ TEST(HttpServer, RefusesWhatItCannotTake) {
     EXPECT_EQ(server.refused(Refusal::TooSlow), 3);
     EXPECT_THAT(RawClient(server.port()).ask("GET / HTTP/1.1\r\n\r\n"), HasSubstr("200 OK"));
 
-    EXPECT_THROW(rds::HttpServer({.address = "127.0.0.1", .port = server.port()}, echo), db::Error);
+    EXPECT_THROW(rds::HttpServer({.address = "127.0.0.1", .port = server.port()}, echo),
+                 data::Error);
 }
 
 TEST(HttpServer, ServesOnlyWhomItAdmits) {
@@ -162,7 +163,7 @@ TEST(HttpServer, OutlivesClientsThatGoAway) {
             const std::string piece(1'000'000, 'x');
             for (;;)
                 reply.write(piece);
-        } catch (const db::Error& error) {
+        } catch (const data::Error& error) {
             number.set_value(error.Number());
             throw;
         }
@@ -205,7 +206,7 @@ TEST(HttpServer, WaitsForRequestsOnlySoLong) {
                          [&](const rds::HttpRequest& request, rds::HttpReply& reply) {
                              reply.write("the first part");
                              EXPECT_FALSE(closed.pass(request));
-                             EXPECT_THROW(reply.write("more"), db::Error);
+                             EXPECT_THROW(reply.write("more"), data::Error);
                          });
     auto running = std::async(std::launch::async, [&] { return post(server.address()); });
     EXPECT_TRUE(eventually([&] { return closed.inside() == 1; }));

@@ -24,8 +24,8 @@ namespace {
 
 using namespace quillet;
 using boost::property_tree::ptree;
-using db::DataType;
-using Kind = db::Value::Kind;
+using data::DataType;
+using Kind = data::Value::Kind;
 using Row = std::map<std::string, std::string>; ///< without the columns that are Null
 
 std::filesystem::path folder() {
@@ -35,7 +35,7 @@ std::filesystem::path folder() {
 
 struct Xml {
     std::vector<std::string> columns; ///< the attributes' names
-    db::FieldList fields;
+    data::FieldList fields;
     std::map<std::string, Row> rows; ///< as they are after the changes, by their key
     bool changed = false;            ///< there are pending changes
 };
@@ -69,9 +69,9 @@ DataType typeOf(const ptree& datatype) {
                     (kind.empty() ? "" : " " + kind));
 }
 
-db::Field fieldOf(const ptree& column) {
+data::Field fieldOf(const ptree& column) {
     const ptree& datatype = column.get_child("s:datatype");
-    db::Field field;
+    data::Field field;
     field.Name = column.get("<xmlattr>.rs:name", column.get<std::string>("<xmlattr>.name"));
     field.Type = typeOf(datatype);
     field.DefinedSize = datatype.get<std::uint32_t>("<xmlattr>.dt:maxLength");
@@ -124,7 +124,7 @@ Xml parse(const std::filesystem::path& file) {
 }
 
 /// Whether a cell is exactly what the XML says.
-bool is(const db::Value& value, const db::Field& field, std::string expected) {
+bool is(const data::Value& value, const data::Field& field, std::string expected) {
     switch (value.kind()) {
     case Kind::Single:
         return value.asDouble() == std::strtof(expected.c_str(), nullptr);
@@ -133,7 +133,7 @@ bool is(const db::Value& value, const db::Field& field, std::string expected) {
     case Kind::Decimal: // ".50" for 0.5
         if (expected.find('.') == 0)
             expected.insert(0, 1, '0');
-        return value.toText() == db::Value::decimal(expected).toText();
+        return value.toText() == data::Value::decimal(expected).toText();
     case Kind::DateTime: {
         const std::string seconds = expected.substr(0, expected.find('.'));
         const double fraction = std::strtod(expected.substr(seconds.size()).c_str(), nullptr);
@@ -152,7 +152,7 @@ bool is(const db::Value& value, const db::Field& field, std::string expected) {
     }
 }
 
-void expectFields(const db::FieldList& fields, const db::FieldList& expected) {
+void expectFields(const data::FieldList& fields, const data::FieldList& expected) {
     ASSERT_EQ(fields.size(), expected.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
         SCOPED_TRACE(expected[i].Name);
@@ -178,10 +178,10 @@ std::string rowsOf(const std::string& wire) {
 }
 
 /// The recordset as our own writer writes it.
-std::string written(db::Recordset recordset) {
+std::string written(data::Recordset recordset) {
     rds::ByteWriter out;
     rds::encodeValue(
-        rds::Variant(rds::Dispatch{std::make_shared<db::Recordset>(std::move(recordset))}), out);
+        rds::Variant(rds::Dispatch{std::make_shared<data::Recordset>(std::move(recordset))}), out);
     return std::string(out.view().substr(rds::recordsetHead().size()));
 }
 
@@ -197,7 +197,7 @@ TEST(RecordedTablegrams, ReadAsTheirXmlSaysAndAreWrittenTheSame) {
         const Xml xml = parse(std::filesystem::path(entry.path()).replace_extension("xml"));
         const std::string wire = tests::readFile(entry.path());
         rds::ByteReader in(wire);
-        db::Recordset recordset = rds::readTablegram(in);
+        data::Recordset recordset = rds::readTablegram(in);
         EXPECT_EQ(in.remaining(), 0U);
         ASSERT_NO_FATAL_FAILURE(expectFields(recordset.Fields(), xml.fields));
         EXPECT_EQ(static_cast<std::size_t>(recordset.RecordCount()), xml.rows.size());
@@ -205,7 +205,7 @@ TEST(RecordedTablegrams, ReadAsTheirXmlSaysAndAreWrittenTheSame) {
             const auto row = xml.rows.find(recordset.Item(0).toText());
             ASSERT_NE(row, xml.rows.end()) << recordset.Item(0).toText();
             for (std::size_t i = 0; i < xml.fields.size(); ++i, ++compared) {
-                const db::Field& field = xml.fields[i];
+                const data::Field& field = xml.fields[i];
                 const auto cell = row->second.find(xml.columns[i]);
                 ASSERT_EQ(recordset.Item(i).isNull(), cell == row->second.end()) << field.Name;
                 EXPECT_TRUE(cell == row->second.end() || is(recordset.Item(i), field, cell->second))

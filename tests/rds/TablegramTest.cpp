@@ -15,8 +15,8 @@ namespace {
 
 using namespace quillet;
 using namespace quillet::rds;
-using db::DataType;
-using db::Value;
+using data::DataType;
+using data::Value;
 using quillet::tests::bytes;
 using quillet::tests::hex;
 using quillet::tests::RowsCursor;
@@ -46,15 +46,15 @@ std::string written(const TablegramMetadata& metadata, std::vector<RowsCursor::R
     return out;
 }
 
-db::Recordset read(const std::string& tablegram) {
+data::Recordset read(const std::string& tablegram) {
     ByteReader in(tablegram);
-    db::Recordset recordset = readTablegram(in);
+    data::Recordset recordset = readTablegram(in);
     EXPECT_EQ(in.remaining(), 0U);
     return recordset;
 }
 
 /// The cells of all rows, Null as "-".
-std::vector<std::string> cells(db::Recordset recordset) {
+std::vector<std::string> cells(data::Recordset recordset) {
     std::vector<std::string> result;
     for (; !recordset.Eof(); recordset.MoveNext()) {
         for (std::size_t i = 0; i < recordset.Fields().size(); ++i)
@@ -64,7 +64,7 @@ std::vector<std::string> cells(db::Recordset recordset) {
 }
 
 bool isRefused(const std::string& tablegram) {
-    return tests::errorOf([&] { read(tablegram); }).Number() == db::number::Unspecified;
+    return tests::errorOf([&] { read(tablegram); }).Number() == data::number::Unspecified;
 }
 
 std::string cell(const ColumnDescriptor& descriptor, const Value& value) {
@@ -81,7 +81,7 @@ struct CellCase {
 
 void expectToRead(const CellCase& c) {
     ByteReader in(c.wire);
-    db::Arena arena;
+    data::Arena arena;
     EXPECT_EQ(CellDecoder(c.descriptor).decode(in, CodePage(949), arena).toText(), c.text);
     EXPECT_EQ(in.remaining(), 0U);
 }
@@ -189,7 +189,7 @@ TEST(Tablegram, VariantCellsHoldWhatTheySay) {
         const CellCase c{variant, text, bytes(wire)};
         expectToRead(c);
         // In our own form it is as much the same value.
-        db::Arena arena;
+        data::Arena arena;
         ByteReader in(c.wire);
         const Value value = CellDecoder(variant).decode(in, CodePage(949), arena);
         if (!value.isNull())
@@ -217,11 +217,11 @@ TEST(Tablegram, CellsThatCannotBeAreRefused) {
     for (const auto& [descriptor, wire] : cases) {
         const std::string content = bytes(wire);
         ByteReader in(content);
-        db::Arena arena;
+        data::Arena arena;
         const auto decode = [&, &d = descriptor] {
             CellDecoder(d).decode(in, CodePage(949), arena);
         };
-        EXPECT_EQ(tests::errorOf(decode).Number(), db::number::Unspecified) << wire;
+        EXPECT_EQ(tests::errorOf(decode).Number(), data::number::Unspecified) << wire;
     }
 }
 
@@ -276,7 +276,7 @@ TEST(Tablegram, ValuesAreConvertedToTheirColumnOrRefused) {
         {column(DataType::Char, 20, 0), Value::text(longText)},
     };
     for (const auto& [descriptor, value] : refused)
-        EXPECT_THROW(cell(descriptor, value), db::Error)
+        EXPECT_THROW(cell(descriptor, value), data::Error)
             << static_cast<int>(descriptor.type) << ' ' << value.toText();
 }
 
@@ -285,7 +285,7 @@ TEST(Tablegram, EveryColumnTypeTravelsWithAndWithoutNull) {
     cases.push_back({column(DataType::BStr, 40, 0), "문자열", ""});
     cases.push_back({column(DataType::Date, 8, Fixed), "2001-02-03 04:05:06", ""});
     for (const bool nullable : {false, true}) {
-        db::FieldList fields;
+        data::FieldList fields;
         RowsCursor::Row full;
         for (const CellCase& c : cases) {
             fields.push_back({"열" + std::to_string(fields.size()),
@@ -302,7 +302,7 @@ TEST(Tablegram, EveryColumnTypeTravelsWithAndWithoutNull) {
         fields.push_back({"변", DataType::Variant, 0, 0xFF, 0xFF, nullable, false, false, {}});
         full.push_back(Value::integer(9));
         const RowsCursor::Row second = nullable ? RowsCursor::Row(full.size()) : full;
-        db::Recordset recordset = read(written(describe(fields), {full, second}));
+        data::Recordset recordset = read(written(describe(fields), {full, second}));
         ASSERT_EQ(recordset.RecordCount(), 2);
         for (const RowsCursor::Row& row : {full, second}) {
             for (std::size_t i = 0; i < row.size(); ++i) {
@@ -317,7 +317,7 @@ TEST(Tablegram, EveryColumnTypeTravelsWithAndWithoutNull) {
     }
     TablegramMetadata notNullable;
     notNullable.columns = {column(DataType::Integer, 4, Fixed)};
-    EXPECT_THROW(written(notNullable, {{Value()}}), db::Error);
+    EXPECT_THROW(written(notNullable, {{Value()}}), data::Error);
 }
 
 TEST(Tablegram, FieldsAreDescribedAsServersDoIt) {
@@ -335,8 +335,8 @@ TEST(Tablegram, FieldsAreDescribedAsServersDoIt) {
     EXPECT_EQ(described(DataType::Char, 20, false, true, false), (Numbers{20, 255, 0x10}));
     EXPECT_EQ(described(DataType::WChar, 9, true, true, true), (Numbers{9, 255, 0xE0}));
     EXPECT_EQ(described(DataType::Binary, 0, true, false, false), (Numbers{NoLimit, 255, 0xE0}));
-    EXPECT_THROW(described(DataType::Error, 4, true, true, false), db::Error);
-    EXPECT_THROW(described(DataType::Chapter, 4, true, true, false), db::Error);
+    EXPECT_THROW(described(DataType::Error, 4, true, true, false), data::Error);
+    EXPECT_THROW(described(DataType::Chapter, 4, true, true, false), data::Error);
 }
 
 /// Two hidden columns around three visible ones: a key and a time stamp of the server.
@@ -365,14 +365,14 @@ TEST(Tablegram, TextsOfADatabaseHaveRoomForAllTheirCharacters) {
         emoji += "😀";
         hangul += "가나";
     }
-    db::FieldList fields(3);
+    data::FieldList fields(3);
     fields[0].Type = fields[2].Type = DataType::WChar;
     fields[0].DefinedSize = 100;
     fields[1].Type = DataType::Char;
     fields[1].DefinedSize = 200;
     fields[2].DefinedSize = 0xA0000000;
     const RowsCursor::Row row{Value::text(emoji), Value::text(hangul), Value::text("long")};
-    const db::Recordset recordset = read(written(describeResult(fields), {row}));
+    const data::Recordset recordset = read(written(describeResult(fields), {row}));
     EXPECT_EQ(recordset.Item(0).bytes(), emoji);
     EXPECT_EQ(recordset.Item(1).bytes(), hangul);
     EXPECT_EQ(recordset.Fields()[0].DefinedSize, 200U);
@@ -496,7 +496,7 @@ TEST(Tablegram, UnknownMetadataIsSkipped) {
             changed += content;
             at += 3 + size;
         }
-        const db::Recordset recordset = read(changed + plain.substr(at));
+        const data::Recordset recordset = read(changed + plain.substr(at));
         EXPECT_EQ(recordset.Fields().size(), 3U);
         EXPECT_EQ(recordset.Item(0).asInteger(), 1);
     }

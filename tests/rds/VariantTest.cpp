@@ -1,6 +1,6 @@
 #include "rds/Variant.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/VariantCodec.h"
 #include "tests/support/Hex.h"
 
@@ -73,9 +73,9 @@ TEST(Variant, EveryTypeHasItsBytesAndItsText) {
             EXPECT_EQ(c.value.toText(), c.text);
         }
     }
-    EXPECT_THROW(Variant(Null{}).toText(), db::Error);
-    EXPECT_THROW(Variant(Dispatch{}).toText(), db::Error);
-    EXPECT_THROW(Variant::strings({}).toText(), db::Error);
+    EXPECT_THROW(Variant(Null{}).toText(), data::Error);
+    EXPECT_THROW(Variant(Dispatch{}).toText(), data::Error);
+    EXPECT_THROW(Variant::strings({}).toText(), data::Error);
 }
 
 TEST(Variant, ArraysKeepShapeAndTypeOfTheirElements) {
@@ -99,17 +99,17 @@ TEST(Variant, ArraysKeepShapeAndTypeOfTheirElements) {
     const Variant unknown = array(VarType::Unknown, {{1, 0}}, {Variant(Dispatch{})});
     for (const Variant& value : {strings, table, nested, isNull, empty, blank, objects, unknown})
         EXPECT_EQ(decoded(encoded(value)), value) << hex(encoded(value));
-    EXPECT_THROW(encoded(array(VarType::I4, {{1, 0}}, {Variant::string("1")})), db::Error);
+    EXPECT_THROW(encoded(array(VarType::I4, {{1, 0}}, {Variant::string("1")})), data::Error);
 }
 
 TEST(Variant, RecordsetsTravelAsArguments) {
-    auto recordset = std::make_shared<db::Recordset>(db::FieldList(1));
-    recordset->addRow(std::array{db::Value::boolean(true)});
-    recordset->addRow(std::array{db::Value()});
+    auto recordset = std::make_shared<data::Recordset>(data::FieldList(1));
+    recordset->addRow(std::array{data::Value::boolean(true)});
+    recordset->addRow(std::array{data::Value()});
     const Variant sent(Dispatch{recordset});
     for (int round = 0; round < 2; ++round) { // writing leaves it as it was
         const Variant received = decoded(encoded(sent));
-        db::Recordset& copy = *std::get<Dispatch>(received).recordset;
+        data::Recordset& copy = *std::get<Dispatch>(received).recordset;
         ASSERT_EQ(copy.RecordCount(), 2);
         EXPECT_EQ(copy.Item(0).toText(), "True");
         copy.MoveNext();
@@ -147,7 +147,7 @@ TEST(Variant, HostileValuesAreRefusedBeforeTheyTakeMemory) {
     };
     for (const std::string& wire : hostile) {
         ByteReader in(wire);
-        EXPECT_THROW(VariantDecoder(in).next(), db::Error) << hex(wire.substr(0, 64));
+        EXPECT_THROW(VariantDecoder(in).next(), data::Error) << hex(wire.substr(0, 64));
     }
 }
 

@@ -1,9 +1,9 @@
 // Receivers one at a time: server rows from a real database through the real protocol, statements
 // for a real store. The cases are the text files of this folder; README.md says how to read them.
 
-#include "db/AsciiText.h"
-#include "db/Paths.h"
+#include "data/AsciiText.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 #include "receivers/ReceiveAccountTitles.h"
 #include "receivers/ReceiveAvailability.h"
 #include "receivers/ReceiveBusinessInformation.h"
@@ -111,9 +111,9 @@ protected:
         if (!tests::TestHeadOffice::isAvailable())
             GTEST_SKIP() << "no head office database (scripts/test starts one)";
         headOffice_ = std::make_unique<tests::TestHeadOffice>();
-        db::createEmptyStore(db::textOf(folder_ / "food.MDB"));
+        db::createEmptyStore(files::textOf(folder_ / "food.MDB"));
         store_.DBOpen("Driver={Microsoft Access Driver (*.mdb)};Dbq=food.MDB;DefaultDir=" +
-                      db::textOf(folder_.path()));
+                      files::textOf(folder_.path()));
         run_.menuNeverReceived = true;
         run_.headOffice = {headOffice_->address(), "quorin.data", headOffice_->connectionString(),
                            "1000"};
@@ -189,7 +189,7 @@ protected:
         } else if (command == "stamps") {
             run_.stamps.fill(argument);
             run_.storeSettingsSince = argument;
-            run_.menuNeverReceived = db::isBlank(argument);
+            run_.menuNeverReceived = data::isBlank(argument);
         } else if (command == "storecode") {
             settings_.SaveSetting("", "", "가맹점", argument);
             run_.headOffice.storeCode = argument;
@@ -216,8 +216,8 @@ protected:
     tests::TempFolder folder_;
     std::unique_ptr<tests::TestHeadOffice> headOffice_;
     MemorySettings settings_;
-    db::VelkDBPro store_{db::DailyLog(folder_.path(), db::localNow), [] {}};
-    sync::Run run_{store_, settings_, db::DownloadLog(folder_.path(), db::localNow)};
+    db::VelkDBPro store_{logs::DailyLog(folder_.path(), logs::localNow), [] {}};
+    sync::Run run_{store_, settings_, logs::DownloadLog(folder_.path(), logs::localNow)};
 };
 
 TEST_P(ReceiversTest, FollowsItsRules) {

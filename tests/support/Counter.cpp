@@ -1,8 +1,8 @@
 #include "tests/support/Counter.h"
 
 #include "db/DB_Control.h"
-#include "db/Paths.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 #include "tests/support/TestHeadOffice.h"
 
 #include <QApplication>
@@ -26,7 +26,7 @@ void require(bool condition, const std::string& what) {
 
 } // namespace
 
-Counter::Counter() : settings(QString::fromStdString(db::textOf(folder / "settings.ini"))) {
+Counter::Counter() : settings(QString::fromStdString(files::textOf(folder / "settings.ini"))) {
     db::createEmptyStore(storeFile());
     std::filesystem::create_directory(folder / "log");
 }
@@ -37,7 +37,7 @@ Counter::~Counter() {
 }
 
 std::string Counter::storeFile() const {
-    return db::textOf(folder / "food.MDB");
+    return files::textOf(folder / "food.MDB");
 }
 
 void Counter::use(const TestHeadOffice& headOffice) {
@@ -56,7 +56,7 @@ void Counter::use(const TestHeadOffice& headOffice) {
 void Counter::open() {
     window.reset();
     window = std::make_unique<app::frm_Quillet>(
-        app::WindowSurroundings{settings, folder.path(), "1.0.0", db::localNow, this});
+        app::WindowSurroundings{settings, folder.path(), "1.0.0", logs::localNow, this});
     window->show();
 }
 

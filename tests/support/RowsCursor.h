@@ -1,6 +1,6 @@
 #pragma once
 
-#include "db/Cursor.h"
+#include "data/Cursor.h"
 
 #include <utility>
 #include <vector>
@@ -8,19 +8,19 @@
 namespace quillet::tests {
 
 /// A cursor over rows made by hand. What the values borrow must outlive it.
-class RowsCursor : public db::Cursor {
+class RowsCursor : public data::Cursor {
 public:
-    using Row = std::vector<db::Value>;
+    using Row = std::vector<data::Value>;
 
-    RowsCursor(db::FieldList fields, std::vector<Row> rows)
+    RowsCursor(data::FieldList fields, std::vector<Row> rows)
         : fields_(std::move(fields)), rows_(std::move(rows)) {}
 
-    const db::FieldList& fields() const override { return fields_; }
+    const data::FieldList& fields() const override { return fields_; }
     bool next() override { return ++row_ <= rows_.size(); }
-    db::Value value(std::size_t column) const override { return rows_.at(row_ - 1).at(column); }
+    data::Value value(std::size_t column) const override { return rows_.at(row_ - 1).at(column); }
 
 private:
-    db::FieldList fields_;
+    data::FieldList fields_;
     std::vector<Row> rows_;
     std::size_t row_ = 0;
 };

@@ -1,6 +1,6 @@
 #include "tests/support/TestHeadOffice.h"
 
-#include "db/Recordset.h"
+#include "data/Recordset.h"
 #include "tests/support/TempFolder.h"
 
 #include <cstdlib>
@@ -79,7 +79,7 @@ TestHeadOffice::~TestHeadOffice() {
     office_.reset();
     try {
         database_.Execute("DROP DATABASE " + name_);
-    } catch (const db::Error&) {
+    } catch (const data::Error&) {
         return; // the server goes with the test run anyway
     }
 }
@@ -90,8 +90,8 @@ std::string TestHeadOffice::log() {
 }
 
 std::string TestHeadOffice::value(const std::string& query) {
-    db::Recordset rows;
-    rows.Open(query, database_);
+    data::Recordset rows;
+    rows = database_.read(query);
     return rows.Eof() ? "no row" : rows.Item(0).toText();
 }
 

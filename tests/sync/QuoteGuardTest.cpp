@@ -1,9 +1,9 @@
 #include "sync/QuoteGuard.h"
 
+#include "data/Error.h"
 #include "db/Connection.h"
-#include "db/Error.h"
-#include "db/Paths.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 #include "sync/SqlTemplate.h"
 #include "tests/support/TempFolder.h"
 
@@ -73,7 +73,7 @@ TEST(QuoteGuardTest, WhatRunsWritesItsOwnColumnsOnly) {
     db::createEmptyStore(folder / "food.MDB");
     db::Connection store;
     store.Open("Driver={Microsoft Access Driver (*.mdb)};Dbq=food.MDB;DefaultDir=" +
-               db::textOf(folder.path()));
+               files::textOf(folder.path()));
     store.BeginTrans();
     store.Execute("INSERT INTO USR (USR_CODE,USR_PASS) VALUES ('1','4821')");
     const SqlTemplate update(
@@ -84,23 +84,23 @@ TEST(QuoteGuardTest, WhatRunsWritesItsOwnColumnsOnly) {
     for (const std::string& name : texts)
         for (const std::string& card : texts) {
             SCOPED_TRACE(name + " and " + card);
-            db::Recordset row(db::FieldList(2));
-            row.addRow(std::array{db::Value::text(name), db::Value::text(card)});
+            data::Recordset row(data::FieldList(2));
+            row.addRow(std::array{data::Value::text(name), data::Value::text(card)});
             row.MoveFirst();
             const Verdict verdict = verdictOn({name, card});
             if (verdict == Verdict::Refused) {
-                EXPECT_THROW((void)update.render(ServerRow(row)), db::Error);
+                EXPECT_THROW((void)update.render(ServerRow(row)), data::Error);
                 continue;
             }
             const std::string statement = update.render(ServerRow(row));
             if (verdict == Verdict::Surfaces) {
-                EXPECT_THROW(store.Execute(statement), db::Error);
+                EXPECT_THROW(store.Execute(statement), data::Error);
                 ++failed;
                 continue;
             }
             store.Execute(statement);
-            db::Recordset user;
-            user.Open("SELECT USR_NAME,USR_CARD,USR_PASS FROM USR", store);
+            data::Recordset user;
+            user = store.read("SELECT USR_NAME,USR_CARD,USR_PASS FROM USR");
             EXPECT_EQ(user.Item(0).toText(), meant(name));
             EXPECT_EQ(user.Item(1).toText(), meant(card));
             EXPECT_EQ(user.Item(2).toText(), "4821");

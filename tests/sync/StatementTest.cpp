@@ -1,4 +1,4 @@
-#include "db/Error.h"
+#include "data/Error.h"
 #include "sync/LeadingNumber.h"
 #include "sync/SqlTemplate.h"
 #include "sync/StatementSubject.h"
@@ -38,9 +38,10 @@ TEST(LeadingNumberTest, TakesTheNumberATextStartsWith) {
 }
 
 TEST(SqlTemplateTest, PutsFieldsWhereTheyBelong) {
-    db::Recordset rows(db::FieldList(3));
+    data::Recordset rows(data::FieldList(3));
     // Neither escaped nor expanded.
-    rows.addRow(std::array{db::Value::text("0101"), db::Value::text("김치's {2}"), db::Value()});
+    rows.addRow(
+        std::array{data::Value::text("0101"), data::Value::text("김치's {2}"), data::Value()});
     const ServerRow row(rows);
 
     const SqlTemplate statement(" SET A = '{1}', B = {#0},{flag} C = '{2}' ", {"x", "flag"});
@@ -52,7 +53,7 @@ TEST(SqlTemplateTest, PutsFieldsWhereTheyBelong) {
     try {
         (void)number.render(row);
         FAIL() << "a Null is no number";
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         EXPECT_EQ(error.Number(), 94);
     }
     EXPECT_THROW(SqlTemplate("{unknown}"), std::logic_error);

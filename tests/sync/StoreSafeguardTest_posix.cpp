@@ -1,7 +1,7 @@
 // An engine that breaks its transactions, behind a real driver manager.
 
-#include "db/Paths.h"
 #include "db/store/EmptyStore.h"
+#include "files/Paths.h"
 #include "sync/StoreSafeguard.h"
 #include "tests/support/TempFolder.h"
 
@@ -59,11 +59,11 @@ protected:
     void start(const char* breaks) {
         setenv("QUILLET_BREAK", breaks, 1);
         run_.reset();
-        store_ = std::make_unique<db::VelkDBPro>(db::DailyLog(folder_.path()), [] {});
+        store_ = std::make_unique<db::VelkDBPro>(logs::DailyLog(folder_.path()), [] {});
         store_->DBOpen("Driver=" QUILLET_BREAKING_DRIVER ";Dbq=food.MDB;DefaultDir=" +
-                       db::textOf(folder_.path()) + ";Database=" + db::textOf(file_));
+                       files::textOf(folder_.path()) + ";Database=" + files::textOf(file_));
         ASSERT_EQ(store_->Status(), 1) << store_->errorText();
-        run_ = std::make_unique<sync::Run>(*store_, settings_, db::DownloadLog(folder_.path()));
+        run_ = std::make_unique<sync::Run>(*store_, settings_, logs::DownloadLog(folder_.path()));
         ASSERT_TRUE(ReadStamps(*run_));
         StoreSafeguard(*run_).recoverStamps();
         run_->newStamp = "2026-01-02";
@@ -218,8 +218,8 @@ TEST_F(StoreSafeguardTest, WhatARefusalQuotesStaysInTheLogs) {
     EXPECT_EQ(run_->failure->subject, "PROP  PROP_CODE = '02'");
     EXPECT_THAT(run_->failure->error, Not(HasSubstr("4821")));
     // A later failure of the store says it again.
-    db::Recordset closed = store_->GET_RSS("SELECT X FROM NOWHERE");
-    run_->fail("품목분류 자료수신", "", db::Error(3704, "closed. " + store_->errorText()));
+    data::Recordset closed = store_->GET_RSS("SELECT X FROM NOWHERE");
+    run_->fail("품목분류 자료수신", "", data::Error(3704, "closed. " + store_->errorText()));
     EXPECT_THAT(run_->failure->error, testing::AllOf(HasSubstr("NOWHERE"), Not(HasSubstr("4821"))));
     EXPECT_THAT(tests::readOnlyFileIn(folder_ / "log"), HasSubstr("4821"));
 }

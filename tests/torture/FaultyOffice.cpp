@@ -1,6 +1,6 @@
 #include "tests/torture/FaultyOffice.h"
 
-#include "db/Error.h"
+#include "data/Error.h"
 #include "rds/http/HttpClient.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/torture/TamperedReply.h"
@@ -60,7 +60,7 @@ FaultyOffice::FaultyOffice(Plan plan)
     : plan_(std::move(plan)), random_(plan_.seed),
       acceptor_(context_, tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)) {
     if (!isKnown(plan_.fault) || plan_.fault.empty() != (plan_.call < 1))
-        throw db::Error(db::number::InvalidArgument, "'" + plan_.fault + "' is no fault");
+        throw data::Error(data::number::InvalidArgument, "'" + plan_.fault + "' is no fault");
 }
 
 void FaultyOffice::run() {
@@ -118,7 +118,7 @@ std::string FaultyOffice::answer(Socket& counter, const std::string& request,
             seen = tampered.announcing(+7);
         else if (plan_.fault == "fewer")
             seen = tampered.announcing(-1);
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         sendRaw(counter, reply);
         return "passed on, " + error.Description();
     }

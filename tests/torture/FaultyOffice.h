@@ -40,7 +40,7 @@ public:
         std::filesystem::path file; ///< that `wait` waits for
     };
 
-    /// @throws db::Error for a fault that is not known.
+    /// @throws data::Error for a fault that is not known.
     explicit FaultyOffice(Plan plan);
 
     std::uint16_t port() const { return acceptor_.local_endpoint().port(); }

@@ -1,7 +1,7 @@
 #include "tests/torture/HostileMessages.h"
 
+#include "data/Error.h"
 #include "db/ConnectionString.h"
-#include "db/Error.h"
 #include "rds/http/HttpClient.h"
 
 #include <boost/asio/read.hpp>
@@ -51,7 +51,7 @@ std::string outcomeOf(const std::string& reply, std::size_t arguments) {
         const rds::Reply result = rds::decodeReply(reply.substr(body + 4), arguments);
         const bool* isDone = result.result ? std::get_if<bool>(&*result.result) : nullptr;
         return isDone != nullptr && !*isDone ? "refused" : "answered";
-    } catch (const db::Error& error) {
+    } catch (const data::Error& error) {
         return "refused: " + error.Description();
     }
 }

@@ -1,7 +1,7 @@
 #include "tests/torture/TamperedReply.h"
 
-#include "db/Cursor.h"
-#include "db/Error.h"
+#include "data/Cursor.h"
+#include "data/Error.h"
 
 #include <algorithm>
 #include <utility>
@@ -21,14 +21,14 @@ std::size_t bodyOf(std::string_view reply) {
 }
 
 /// The rows of a recordset, of which the last columns may be left out.
-class FirstColumns : public db::Cursor {
+class FirstColumns : public data::Cursor {
 public:
-    FirstColumns(db::Recordset& rows, std::size_t columns)
+    FirstColumns(data::Recordset& rows, std::size_t columns)
         : rows_(rows), fields_(rows.Fields().begin(),
                                rows.Fields().begin() + static_cast<std::ptrdiff_t>(columns)) {}
 
-    const db::FieldList& fields() const override { return fields_; }
-    db::Value value(std::size_t column) const override { return rows_.Item(column); }
+    const data::FieldList& fields() const override { return fields_; }
+    data::Value value(std::size_t column) const override { return rows_.Item(column); }
     bool next() override {
         if (std::exchange(begun_, true) && !rows_.Eof())
             rows_.MoveNext();
@@ -36,8 +36,8 @@ public:
     }
 
 private:
-    db::Recordset& rows_;
-    db::FieldList fields_;
+    data::Recordset& rows_;
+    data::FieldList fields_;
     bool begun_ = false;
 };
 
@@ -55,14 +55,14 @@ TamperedReply::TamperedReply(std::string reply, const rds::Call& call)
 std::string TamperedReply::cut(std::mt19937& random) const {
     constexpr std::size_t LineEnd = 2; // which may be missing: the reply is whole without it
     if (reply_.size() < LineEnd + 2)
-        throw db::Error(db::number::Unspecified, "there is nothing to cut");
+        throw data::Error(data::number::Unspecified, "there is nothing to cut");
     return reply_.substr(0, 1 + below(random, reply_.size() - LineEnd - 1));
 }
 
 std::string TamperedReply::garbled(std::mt19937& random) const {
     constexpr std::size_t Most = 8;
     if (body_ == reply_.size())
-        throw db::Error(db::number::Unspecified, "it has no body");
+        throw data::Error(data::number::Unspecified, "it has no body");
     std::string text = reply_;
     const std::size_t first = body_ + below(random, text.size() - body_);
     const std::size_t last = std::min(first + 1 + below(random, Most), text.size());
@@ -72,13 +72,13 @@ std::string TamperedReply::garbled(std::mt19937& random) const {
 }
 
 std::string TamperedReply::withoutLastColumn() const {
-    db::Recordset all = rows();
+    data::Recordset all = rows();
     const std::size_t columns = all.Fields().size();
     return withRows(std::move(all), columns - 1, 0);
 }
 
 std::string TamperedReply::announcing(int more) const {
-    db::Recordset all = rows();
+    data::Recordset all = rows();
     const std::size_t columns = all.Fields().size();
     return withRows(std::move(all), columns, more);
 }
@@ -93,21 +93,21 @@ std::string TamperedReply::webPage() {
                    "<body><h1>It works</h1></body></html>\n");
 }
 
-db::Recordset TamperedReply::rows() const {
+data::Recordset TamperedReply::rows() const {
     rds::Reply decoded =
         rds::decodeReply(std::string_view(reply_).substr(body_), call_.arguments.size());
     auto* const object = decoded.result ? std::get_if<rds::Dispatch>(&*decoded.result) : nullptr;
     if (object == nullptr || !object->recordset)
-        throw db::Error(db::number::Unspecified, "it has no recordset");
+        throw data::Error(data::number::Unspecified, "it has no recordset");
     return std::move(*object->recordset);
 }
 
-std::string TamperedReply::withRows(db::Recordset rows, std::size_t columns, int more) const {
+std::string TamperedReply::withRows(data::Recordset rows, std::size_t columns, int more) const {
     FirstColumns cursor(rows, columns);
     rds::TablegramMetadata metadata = rds::describe(cursor.fields());
     const int announced = more != 0 ? rows.RecordCount() + more : 0;
     if (announced < 0 || (more < 0 && announced == 0)) // 0 is what a server says that does not know
-        throw db::Error(db::number::Unspecified, "it has too few rows");
+        throw data::Error(data::number::Unspecified, "it has too few rows");
     metadata.rowCount = static_cast<std::uint32_t>(announced);
     std::string text(head());
     const rds::ByteSink sink = [&text](std::string_view bytes) { text += bytes; };

@@ -20,11 +20,11 @@ public:
     /// With up to eight bytes of the body in a row that are others.
     std::string garbled(std::mt19937& random) const;
 
-    /// The same rows without their last values. @throws db::Error when it has no recordset.
+    /// The same rows without their last values. @throws data::Error when it has no recordset.
     std::string withoutLastColumn() const;
 
     /// The same rows behind another number of them.
-    /// @throws db::Error when it has no recordset, or the number cannot be that.
+    /// @throws data::Error when it has no recordset, or the number cannot be that.
     std::string announcing(int more) const;
 
     static std::string serverError();
@@ -32,8 +32,8 @@ public:
 
 private:
     std::string_view head() const { return std::string_view(reply_).substr(0, body_); }
-    db::Recordset rows() const;
-    std::string withRows(db::Recordset rows, std::size_t columns, int more) const;
+    data::Recordset rows() const;
+    std::string withRows(data::Recordset rows, std::size_t columns, int more) const;
 
     std::string reply_;
     const rds::Call& call_;
