@@ -111,8 +111,11 @@ bool MariaDbHandle::reset(const MariaDbLogin& login) const noexcept try {
     // MariaDB keeps a role over the log-in where the user has none by default (observed with
     // 10.11); servers without roles refuse this.
     constexpr std::string_view NoRole = "SET ROLE NONE";
-    if (mariadb_connection(get()))
-        mysql_real_query(get(), NoRole.data(), NoRole.size());
+    // A connection that this finds lost must not be used again: mysql_change_user() would write
+    // into a buffer that the library has freed by then (seen with Connector/C 3.3).
+    if (mariadb_connection(get()) && mysql_real_query(get(), NoRole.data(), NoRole.size()) != 0 &&
+        isMariaDbClientError(mysql_errno(get())))
+        return false;
     // Logging in again, and not mysql_reset_connection(): that one keeps the current database, and
     // servers before MySQL 5.7 and MariaDB 10.2 do not have it.
     const char* const database = login.database.empty() ? nullptr : login.database.c_str();

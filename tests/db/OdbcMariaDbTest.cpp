@@ -101,8 +101,7 @@ TEST_F(OdbcMariaDbTest, DeliversEveryColumnType) {
         create(columns);
         connection_.Execute("INSERT INTO engine_test VALUES (" + values + ")");
         connection_.Execute("INSERT INTO engine_test (N) VALUES (2)");
-        data::Recordset rows;
-        rows = connection_.read("SELECT * FROM engine_test ORDER BY N");
+        data::Recordset rows = connection_.read("SELECT * FROM engine_test ORDER BY N");
         EXPECT_FALSE(rows.Fields()[0].nullable);
         for (std::size_t i = 0; i < count; ++i) {
             EXPECT_EQ(rows.Fields()[i + 1].Type, cases[i].type) << cases[i].declaration;
@@ -187,8 +186,8 @@ TEST_F(OdbcMariaDbTest, LosesNoCharacterThatItsDriverMiscounts) {
     connection_.Execute("INSERT INTO engine_test VALUES (2,'끝','" + longText + "')");
 
     for (const std::string columns : {"C", "C,L"}) { // in blocks, and cell by cell
-        data::Recordset rows;
-        rows = connection_.read("SELECT " + columns + " FROM engine_test WHERE N = 1");
+        data::Recordset rows =
+            connection_.read("SELECT " + columns + " FROM engine_test WHERE N = 1");
         for (const std::string& text : texts) {
             for (std::size_t column = 0; column < rows.Fields().size(); ++column)
                 EXPECT_EQ(rows.Item(column).toText(), text) << columns;
@@ -218,8 +217,7 @@ TEST_F(OdbcMariaDbTest, DescribesSizesPrecisionsAndExpressions) {
     create("D DECIMAL(12,3), T DATETIME(3), V VARCHAR(20) NOT NULL, L MEDIUMTEXT");
     connection_.Execute(
         "INSERT INTO engine_test VALUES (1.5, '2024-02-29 13:14:15.678', '', NULL)");
-    data::Recordset rows;
-    rows = connection_.read("SELECT D, T, V, L FROM engine_test");
+    data::Recordset rows = connection_.read("SELECT D, T, V, L FROM engine_test");
     EXPECT_EQ(rows.Fields()[0].Precision, 12);
     EXPECT_EQ(rows.Fields()[0].NumericScale, 3);
     EXPECT_TRUE(rows.Fields()[0].fixedLength);
@@ -252,9 +250,9 @@ TEST_F(OdbcMariaDbTest, ReadsZeroDatesAsNullAndOddTimesNotAtAll) {
 TEST_F(OdbcMariaDbTest, KnowsWhereANullCanComeFromANotNullColumn) {
     create("a INT NOT NULL, b VARCHAR(5) NOT NULL, c DATETIME NOT NULL");
     connection_.Execute("INSERT INTO engine_test VALUES (1, '', '0000-00-00 00:00:00')");
-    data::Recordset rows;
-    rows = connection_.read("SELECT x.a, x.b, x.c, y.a, y.b, y.c FROM engine_test x "
-                            "LEFT JOIN engine_test y ON y.a = x.a + 1");
+    data::Recordset rows =
+        connection_.read("SELECT x.a, x.b, x.c, y.a, y.b, y.c FROM engine_test x "
+                         "LEFT JOIN engine_test y ON y.a = x.a + 1");
     ASSERT_EQ(rows.RecordCount(), 1);
     // Declared not nullable, such a Null would break the reply in which it travels.
     for (std::size_t column = 0; column < rows.Fields().size(); ++column)

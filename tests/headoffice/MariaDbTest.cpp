@@ -33,8 +33,7 @@ protected:
     std::size_t compare(const std::string& sql) {
         db::Connection connection;
         connection.Open(headOffice_->connectionString());
-        data::Recordset direct;
-        direct = connection.read(sql);
+        data::Recordset direct = connection.read(sql);
         data::Recordset remote = remotely(sql);
         EXPECT_EQ(remote.RecordCount(), direct.RecordCount()) << sql;
         EXPECT_EQ(remote.Fields().size(), direct.Fields().size()) << sql;

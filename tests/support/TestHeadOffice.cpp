@@ -90,8 +90,7 @@ std::string TestHeadOffice::log() {
 }
 
 std::string TestHeadOffice::value(const std::string& query) {
-    data::Recordset rows;
-    rows = database_.read(query);
+    data::Recordset rows = database_.read(query);
     return rows.Eof() ? "no row" : rows.Item(0).toText();
 }
 

@@ -99,8 +99,7 @@ TEST(QuoteGuardTest, WhatRunsWritesItsOwnColumnsOnly) {
                 continue;
             }
             store.Execute(statement);
-            data::Recordset user;
-            user = store.read("SELECT USR_NAME,USR_CARD,USR_PASS FROM USR");
+            data::Recordset user = store.read("SELECT USR_NAME,USR_CARD,USR_PASS FROM USR");
             EXPECT_EQ(user.Item(0).toText(), meant(name));
             EXPECT_EQ(user.Item(1).toText(), meant(card));
             EXPECT_EQ(user.Item(2).toText(), "4821");
