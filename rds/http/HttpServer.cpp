@@ -123,8 +123,22 @@ private:
             } catch (const std::exception&) {
                 error = asio::error::no_memory;
             }
-            if (!error || error == asio::error::connection_aborted ||
-                (error == asio::error::no_descriptors && connections_.makeRoom()))
+            if (!error || error == asio::error::connection_aborted)
+                accept();
+            else if (error == asio::error::no_descriptors)
+                makeRoomForNext();
+            else
+                acceptLater();
+        });
+    }
+
+    /// Without a handle left, accept() fails whether somebody waits or not: nobody gives way before
+    /// somebody does.
+    void makeRoomForNext() {
+        acceptor_.async_wait(tcp::acceptor::wait_read, [this](error_code error) {
+            if (stopping_)
+                return;
+            if (!error && connections_.makeRoom())
                 accept();
             else
                 acceptLater();
