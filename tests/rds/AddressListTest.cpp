@@ -52,10 +52,10 @@ TEST(AddressList, SaysWhatIsWrongWithANetwork) {
         {"fd00::1/64", "write fd00::/64"},
         {"127.0.0.1, 10.0.0/8", "'10.0.0/8' is no network"},
         {"fe80::1%eth0", "is no network"}};
-    for (const auto& [text, reason] : wrong)
-        EXPECT_THAT(tests::errorTextOf([&] { rds::AddressList::parse(text); }),
-                    AllOf(StartsWith("3001 "), HasSubstr(reason)))
-            << text;
+    for (const auto& c : wrong)
+        EXPECT_THAT(tests::errorTextOf([&] { rds::AddressList::parse(c.first); }),
+                    AllOf(StartsWith("3001 "), HasSubstr(c.second)))
+            << c.first;
 }
 
 } // namespace

@@ -219,7 +219,7 @@ TEST(Call, ItsFirstLineMayStandInTheHttpHead) {
     for (const std::string& body : {vectors::putsqlReplyFalse(), vectors::recordsetReply()}) {
         const std::size_t arguments = body.find("num-args=3") != std::string::npos ? 3 : 5;
         const std::string type = body.substr(14, body.find("\r\n") - 14);
-        for (const std::size_t ends : {2, 4}) { // with the blank line or without
+        for (const std::size_t ends : {2U, 4U}) { // with the blank line or without
             const std::string parts = body.substr(body.find("\r\n") + ends);
             EXPECT_EQ(decodeReply(parts, arguments, type).arguments,
                       decodeReply(body, arguments).arguments);
